@@ -1,0 +1,11 @@
+#include "Vantrel/app/Application.h"
+#include "Vantrel/app/SampleMode.h"
+
+#include <span>
+
+int main(int argc, char** argv)
+{
+    if (vantrel::selectsSampleMode(std::span(argv, static_cast<std::size_t>(argc))))
+        return vantrel::runSampleMode();
+    return vantrel::runApplication(argc, argv);
+}

@@ -1,0 +1,32 @@
+#!/usr/bin/env bash
+# Installs, by Debian package name, whatever building, running and testing Vantrel needs.
+# Idempotent: packages already present are left alone and apt is not called at all.
+set -euo pipefail
+
+build=(cmake ninja-build g++ pkg-config python3
+       qt6-base-dev libgl-dev libxcb1-dev libicu-dev nlohmann-json3-dev)
+run=(fonts-dejavu-core fonts-cantarell)
+test=(libgtest-dev libgmock-dev libbenchmark-dev clang-14 libclang-rt-14-dev
+      xvfb xauth x11-utils x11-xserver-utils openbox trayer xdotool xcompmgr
+      at-spi2-core python3-pyatspi dbus dbus-x11 imagemagick python3-psutil
+      procps time)
+
+want=("${build[@]}" "${run[@]}")
+if [ "${1:-}" = "--test" ]; then
+  want+=("${test[@]}")
+  # A nodejs from elsewhere (nodesource) carries its own npm and conflicts with Debian's.
+  command -v npm >/dev/null 2>&1 || want+=(nodejs npm)
+fi
+
+missing=()
+for p in "${want[@]}"; do
+  dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q 'install ok installed' || missing+=("$p")
+done
+[ ${#missing[@]} -eq 0 ] && exit 0
+
+SUDO=""
+[ "$(id -u)" -ne 0 ] && SUDO=sudo
+echo "Installing: ${missing[*]}" >&2
+export DEBIAN_FRONTEND=noninteractive
+$SUDO apt-get update -qq
+$SUDO apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
