@@ -1,0 +1,71 @@
+#!/usr/bin/env bash
+# Installs the build into a temporary root, checks the desktop files there with the freedesktop
+# validators, and runs the installed program's sample mode from an unrelated working directory.
+# Usage: installed_tree_test.sh CMAKE BUILD_DIR APP_ID SYSTEM_AUTOSTART(yes|no)
+set -euo pipefail
+cmake=$1 build=$2 app_id=$3 system_autostart=$4
+# shellcheck source=SCRIPTDIR/support.sh
+source "$(dirname "$0")/support.sh"
+require_tools "desktop-file-utils appstream python3" desktop-file-validate appstreamcli python3
+
+work=$(mktemp -d)
+trap 'restore_install_manifest "$build" "$work"; rm -rf "$work"' EXIT
+save_install_manifest "$build" "$work"
+# DESTDIR also catches what goes to an absolute path (/etc/xdg/autostart).
+root=$work/root prefix=$work/root/usr
+DESTDIR=$root "$cmake" --install "$build" --prefix /usr >/dev/null
+
+expected=(
+  bin/vantrel
+  share/vantrel/vantrel.py
+  "share/applications/$app_id.desktop"
+  "share/metainfo/$app_id.metainfo.xml"
+  "share/vantrel/autostart/$app_id.desktop"
+  "share/icons/hicolor/scalable/apps/$app_id.svg"
+  share/man/man1/vantrel.1.gz
+  share/doc/vantrel/copyright
+  share/doc/vantrel/changelog.gz
+)
+for size in 16 22 24 32 48 64 128 256; do
+  expected+=("share/icons/hicolor/${size}x${size}/apps/$app_id.png")
+done
+for file in "${expected[@]}"; do
+  [ -f "$prefix/$file" ] || fail "not installed: $file"
+done
+[ -x "$prefix/bin/vantrel" ] || fail "bin/vantrel is not executable"
+if [ "$system_autostart" = yes ]; then
+  cmp -s "$root/etc/xdg/autostart/$app_id.desktop" "$prefix/share/vantrel/autostart/$app_id.desktop" \
+    || fail "no autostart entry for every user in /etc/xdg/autostart"
+else
+  [ ! -e "$root/etc" ] || fail "installed into /etc without VANTREL_SYSTEM_AUTOSTART"
+fi
+
+desktop-file-validate "$prefix/share/applications/$app_id.desktop" "$prefix/share/vantrel/autostart/$app_id.desktop" \
+  || fail "desktop-file-validate"
+appstreamcli validate --no-net "$prefix/share/metainfo/$app_id.metainfo.xml" || fail "appstreamcli validate"
+grep -qx "Icon=$app_id" "$prefix/share/applications/$app_id.desktop" || fail "the desktop entry names another icon"
+
+# The program must not depend on where it is started from.
+mkdir "$work/elsewhere"
+cd "$work/elsewhere"
+"$prefix/bin/vantrel" --sample >sample.json || fail "installed vantrel --sample exited with status $?"
+python3 - sample.json <<'PY' || fail "vantrel --sample printed an unexpected record: $(cat sample.json)"
+import json, numbers, sys
+
+with open(sys.argv[1], encoding="utf-8") as f:
+    record = json.load(f)
+
+def percent_or_null(value):
+    return value is None or (isinstance(value, numbers.Real) and not isinstance(value, bool))
+
+assert isinstance(record, dict), "not an object"
+assert sorted(record) == sorted(["cpu", "ram", "gpu", "network", "networkExplanation", "cpuCores",
+                                 "gpuCoreCount", "gpuPerCoreAvailable"]), sorted(record)
+assert all(percent_or_null(record[key]) for key in ("cpu", "ram", "gpu", "network"))
+assert isinstance(record["networkExplanation"], str)
+assert isinstance(record["cpuCores"], list) and record["cpuCores"]
+assert all(percent_or_null(core) for core in record["cpuCores"])
+assert record["gpuCoreCount"] is None or type(record["gpuCoreCount"]) is int
+assert record["gpuPerCoreAvailable"] is False
+PY
+echo "installed tree OK"
