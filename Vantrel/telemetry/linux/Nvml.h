@@ -1,0 +1,34 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+namespace vantrel::linux_source {
+
+// NVIDIA's management library, loaded at run time so that the program neither needs it to build nor to run.
+// Holds the library open and initialised for its own lifetime.
+class Nvml {
+public:
+    // Absent when the library, one of its entry points or its initialisation is missing.
+    static std::unique_ptr<Nvml> load();
+    ~Nvml();
+    Nvml(const Nvml&) = delete;
+    Nvml& operator=(const Nvml&) = delete;
+
+    // Per device, the percent of the last sample period in which a kernel ran.
+    std::vector<double> utilisations() const;
+    // Per device, its streaming multiprocessors: the unit NVIDIA builds a GPU from, as Apple counts GPU
+    // cores. Drivers that report this only for MIG partitions give nothing.
+    std::vector<std::int64_t> multiprocessorCounts() const;
+
+private:
+    struct Api;
+    Nvml(void* handle, std::unique_ptr<Api> functions);
+    std::vector<void*> devices() const;
+
+    void* library;
+    std::unique_ptr<Api> api;
+};
+
+} // namespace vantrel::linux_source
