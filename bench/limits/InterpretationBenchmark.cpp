@@ -1,0 +1,111 @@
+// The cost of turning a typical limits document into what the panel shows, against decoding the same
+// document (the work every fetch does anyway). Run: vantrel_limits_bench [--benchmark_repetitions=N];
+// the ratios are printed after the table.
+#include "Vantrel/limits/LimitsDocument.h"
+#include "Vantrel/limits/UsageInterpretation.h"
+
+#include <benchmark/benchmark.h>
+#include <nlohmann/json.hpp>
+
+#include <cstdio>
+#include <fstream>
+#include <map>
+#include <sstream>
+#include <string>
+
+namespace {
+
+using namespace vantrel::limits;
+
+const std::string& typicalText()
+{
+    static const std::string text = [] {
+        std::ifstream file(VANTREL_FIXTURES "/limits/typical.json");
+        std::stringstream content;
+        content << file.rdbuf();
+        return content.str();
+    }();
+    return text;
+}
+
+void BM_Interpret_Typical(benchmark::State& state)
+{
+    const nlohmann::json document = nlohmann::json::parse(typicalText());
+    const UsageContext context{1752575400, "Europe/Prague", "cs_CZ"};
+    for ([[maybe_unused]] auto _ : state) {
+        benchmark::DoNotOptimize(interpretUsage(document, context));
+    }
+}
+BENCHMARK(BM_Interpret_Typical);
+
+// What the application does per document: the context (clock, system zone, locale) is taken afresh.
+void BM_InterpretWithCurrentContext_Typical(benchmark::State& state)
+{
+    const nlohmann::json document = nlohmann::json::parse(typicalText());
+    for ([[maybe_unused]] auto _ : state) {
+        benchmark::DoNotOptimize(interpretUsage(document, currentUsageContext()));
+    }
+}
+BENCHMARK(BM_InterpretWithCurrentContext_Typical);
+
+void BM_Decode_Typical(benchmark::State& state)
+{
+    for ([[maybe_unused]] auto _ : state) {
+        benchmark::DoNotOptimize(decodeLimitsDocument(typicalText()));
+    }
+}
+BENCHMARK(BM_Decode_Typical);
+
+// The peer: nlohmann's own parse, without the depth guard.
+void BM_PlainParse_Typical(benchmark::State& state)
+{
+    for ([[maybe_unused]] auto _ : state) {
+        benchmark::DoNotOptimize(nlohmann::json::parse(typicalText()));
+    }
+}
+BENCHMARK(BM_PlainParse_Typical);
+
+class RatioReporter : public benchmark::ConsoleReporter {
+public:
+    void ReportRuns(const std::vector<Run>& runs) override
+    {
+        ConsoleReporter::ReportRuns(runs);
+        for (const Run& run : runs) {
+            if (run.run_type == Run::RT_Iteration && run.iterations > 0) {
+                auto& [total, count] = perCall_[run.benchmark_name()];
+                total += run.GetAdjustedCPUTime();
+                ++count;
+            }
+        }
+    }
+
+    double mean(const std::string& name) const
+    {
+        const auto found = perCall_.find(name);
+        return found == perCall_.end() ? 0 : found->second.first / found->second.second;
+    }
+
+private:
+    std::map<std::string, std::pair<double, int>> perCall_;
+};
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    benchmark::Initialize(&argc, argv);
+    RatioReporter reporter;
+    benchmark::RunSpecifiedBenchmarks(&reporter);
+    const auto ratio = [&](const char* name, const char* peer) {
+        const double base = reporter.mean(peer);
+        if (base > 0 && reporter.mean(name) > 0) {
+            std::printf("%-40s / %-22s = %.2f\n", name, peer, reporter.mean(name) / base);
+        }
+    };
+    std::printf("\nRatios of CPU time per call (below 1: faster than the peer)\n");
+    ratio("BM_Interpret_Typical", "BM_PlainParse_Typical");
+    ratio("BM_InterpretWithCurrentContext_Typical", "BM_PlainParse_Typical");
+    ratio("BM_Decode_Typical", "BM_PlainParse_Typical");
+    benchmark::Shutdown();
+    return 0;
+}
