@@ -1,0 +1,34 @@
+#include "Vantrel/app/AppServices.h"
+
+#include "Vantrel/limits/LimitsScript.h"
+
+#include <chrono>
+#include <unistd.h>
+
+namespace vantrel {
+namespace {
+
+int onlineProcessorCount()
+{
+    const long count = sysconf(_SC_NPROCESSORS_ONLN);
+    return count > 0 ? static_cast<int>(count) : 1;
+}
+
+double secondsSinceEpoch()
+{
+    return std::chrono::duration<double>(std::chrono::system_clock::now().time_since_epoch()).count();
+}
+
+} // namespace
+
+AppServices productionServices(Desktop& desktop)
+{
+    return {&desktop,
+            PlatformOptions{},
+            onlineProcessorCount,
+            [] { return limits::resourceDirectory(); },
+            limits::currentUsageContext,
+            secondsSinceEpoch};
+}
+
+} // namespace vantrel

@@ -1,0 +1,28 @@
+#pragma once
+
+#include "Vantrel/limits/UsageInterpretation.h"
+#include "Vantrel/telemetry/PlatformSource.h"
+
+#include <filesystem>
+#include <functional>
+
+namespace vantrel {
+
+class Desktop;
+
+// What the delegate takes from its surroundings: the desktop, the sources of the figures, the limits
+// script's location and the clock. The program uses the real ones; tests put in their own.
+struct AppServices {
+    Desktop* desktop = nullptr;
+    PlatformOptions telemetry;
+    std::function<int()> activeProcessorCount;
+    // Where vantrel.py lies; asked afresh for every limits run.
+    std::function<std::filesystem::path()> resourceDirectory;
+    std::function<limits::UsageContext()> usageContext;
+    // Seconds since 1970-01-01 00:00 UTC.
+    std::function<double()> now;
+};
+
+AppServices productionServices(Desktop& desktop);
+
+} // namespace vantrel

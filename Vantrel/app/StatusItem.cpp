@@ -1,0 +1,20 @@
+#include "Vantrel/app/StatusItem.h"
+
+#include "Vantrel/app/GaugeIcon.h"
+
+#include <QCursor>
+
+namespace vantrel {
+
+StatusItem::StatusItem(QObject* parent) : QSystemTrayIcon(gaugeIcon(), parent)
+{
+    setToolTip(QString::fromUtf8(toolTipText));
+    setContextMenu(&menu_);
+    connect(this, &QSystemTrayIcon::activated, this, [this](ActivationReason reason) {
+        if (reason == Trigger) {
+            menu_.popup(QCursor::pos());
+        }
+    });
+}
+
+} // namespace vantrel

@@ -1,0 +1,140 @@
+#include "Vantrel/app/OverlayPanel.h"
+#include "Vantrel/app/StatusItem.h"
+#include "Vantrel/ui/Layout.h"
+#include "Vantrel/ui/MiniSwitch.h"
+
+#include <QAction>
+#include <QKeySequence>
+
+#include "DelegateFixture.h"
+
+namespace vantrel::testing {
+namespace {
+
+using ui::MiniSwitch;
+
+class StatusMenuTest : public DelegateFixture {
+protected:
+    QList<QAction*> entries() { return delegate().statusItem->menu().actions(); }
+    QAction* entry(int position) { return entries().at(position - 1); }
+};
+
+TEST_F(StatusMenuTest, TheItemShowsTheGaugeAndItsTip)
+{
+    const AppDelegate& app = withPanel();
+    EXPECT_FALSE(app.statusItem->icon().isNull());
+    EXPECT_EQ(app.statusItem->toolTip(), QString::fromUtf8("Vantrel Solvane · limity a výkon Macu"));
+    EXPECT_EQ(app.statusItem->contextMenu(), &app.statusItem->menu());
+}
+
+TEST_F(StatusMenuTest, TheMenuHasFiveEntriesTheFourthASeparator)
+{
+    withPanel();
+    const QList<QAction*> actions = entries();
+    ASSERT_EQ(actions.size(), 5);
+    EXPECT_EQ(actions.at(0)->text(), QString::fromUtf8("Zobrazit / skrýt údaje"));
+    EXPECT_EQ(actions.at(1)->text(), QString::fromUtf8("Obnovit limity"));
+    EXPECT_EQ(actions.at(2)->text(), QString::fromUtf8("Zobrazovat i nad jinými aplikacemi"));
+    EXPECT_TRUE(actions.at(3)->isSeparator());
+    EXPECT_EQ(actions.at(4)->text(), QString::fromUtf8("Ukončit Vantrel"));
+    for (const QAction* action : actions) {
+        EXPECT_TRUE(action->isEnabled());
+    }
+}
+
+TEST_F(StatusMenuTest, OnlyTheLastEntryHasAShortcut)
+{
+    withPanel();
+    const QList<QAction*> actions = entries();
+    for (int index = 0; index < 4; ++index) {
+        EXPECT_TRUE(actions.at(index)->shortcut().isEmpty()) << index;
+    }
+    EXPECT_EQ(actions.at(4)->shortcut(), QKeySequence(Qt::CTRL | Qt::Key_Q));
+}
+
+TEST_F(StatusMenuTest, TheThirdEntryStartsWithoutACheckMark)
+{
+    const AppDelegate& app = withPanel();
+    EXPECT_TRUE(entry(3)->isCheckable());
+    EXPECT_FALSE(entry(3)->isChecked());
+    EXPECT_FALSE(app.pinnedEverywhere);
+    EXPECT_FALSE(entry(1)->isCheckable());
+}
+
+TEST_F(StatusMenuTest, TheFirstEntryTwiceLeavesTheFiguresAsTheyWereAndThePanelInFront)
+{
+    const AppDelegate& app = withPanel();
+    desktop.frontmost = windowOfClass("xterm");
+    entry(1)->trigger();
+    EXPECT_EQ(app.showSwitch->state(), MiniSwitch::State::Off);
+    EXPECT_TRUE(app.body->isHidden());
+    EXPECT_TRUE(app.panel->isVisible());
+    entry(1)->trigger();
+    EXPECT_EQ(app.showSwitch->state(), MiniSwitch::State::On);
+    EXPECT_FALSE(app.body->isHidden());
+    EXPECT_TRUE(app.panel->isVisible());
+}
+
+TEST_F(StatusMenuTest, TheFirstEntryTurnsAMixedSwitchOn)
+{
+    const AppDelegate& app = withPanel();
+    app.showSwitch->setState(MiniSwitch::State::Mixed);
+    entry(1)->trigger();
+    EXPECT_EQ(app.showSwitch->state(), MiniSwitch::State::On);
+}
+
+TEST_F(StatusMenuTest, TheFirstEntryShowsThePanelOverAnUnlistedApplicationUntilTheNextSwitch)
+{
+    AppDelegate& app = delegate();
+    desktop.frontmost = windowOfClass("xterm");
+    app.applicationDidFinishLaunching();
+    ASSERT_FALSE(app.panel->isVisible());
+    entry(1)->trigger();
+    EXPECT_TRUE(app.panel->isVisible());
+    desktop.switchTo(windowOfClass("Firefox"));
+    EXPECT_FALSE(app.panel->isVisible());
+}
+
+TEST_F(StatusMenuTest, TheThirdEntryPinsThePanelWithACheckMarkAndUnpinsIt)
+{
+    AppDelegate& app = withPanel();
+    desktop.frontmost = windowOfClass("xterm");
+    entry(3)->trigger();
+    EXPECT_TRUE(app.pinnedEverywhere);
+    EXPECT_TRUE(entry(3)->isChecked());
+    EXPECT_TRUE(app.panel->isVisible());
+    entry(3)->trigger();
+    EXPECT_FALSE(app.pinnedEverywhere);
+    EXPECT_FALSE(entry(3)->isChecked());
+    EXPECT_FALSE(app.panel->isVisible());
+}
+
+TEST_F(StatusMenuTest, UnpinningOverACompanionKeepsThePanelUp)
+{
+    AppDelegate& app = withPanel();
+    desktop.frontmost = windowOfClass("Codex");
+    entry(3)->trigger();
+    entry(3)->trigger();
+    EXPECT_FALSE(entry(3)->isChecked());
+    EXPECT_TRUE(app.panel->isVisible());
+}
+
+TEST_F(StatusMenuTest, TheCheckMarkAndThePinNeverDisagree)
+{
+    const AppDelegate& app = withPanel();
+    for (int round = 0; round < 5; ++round) {
+        entry(3)->trigger();
+        EXPECT_EQ(entry(3)->isChecked(), app.pinnedEverywhere) << round;
+    }
+}
+
+TEST_F(StatusMenuTest, RefreshStartsALimitsRun)
+{
+    const AppDelegate& app = withPanel();
+    entry(2)->trigger();
+    EXPECT_TRUE(app.isFetching);
+    EXPECT_TRUE(waitUntil([&] { return !app.isFetching; }));
+}
+
+} // namespace
+} // namespace vantrel::testing
