@@ -5,8 +5,6 @@
 #include "Vantrel/app/MainThreadQueue.h"
 #include "Vantrel/app/OverlayPanel.h"
 #include "Vantrel/app/StatusItem.h"
-#include "Vantrel/limits/ScriptProcess.h"
-#include "Vantrel/ui/Layout.h"
 #include "Vantrel/ui/MeterRow.h"
 #include "Vantrel/ui/MiniSwitch.h"
 #include "Vantrel/ui/Palette.h"
@@ -14,7 +12,6 @@
 #include <QApplication>
 #include <QLabel>
 #include <QScreen>
-#include <QScrollArea>
 #include <QTimer>
 
 #include <chrono>

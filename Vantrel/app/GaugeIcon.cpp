@@ -28,7 +28,7 @@ double strokeFor(double side, double fraction)
     return std::max(1.0, std::round(side * fraction));
 }
 
-void paintGauge(QPainter& painter, const QRectF& area, const QColor& ink, const QColor& halo)
+void paintGauge(QPainter& painter, const QRectF& area, const QColor& ink, const QColor& face)
 {
     const double side = std::min(area.width(), area.height());
     const double ring = strokeFor(side, 1.0 / 14.0);
@@ -41,8 +41,6 @@ void paintGauge(QPainter& painter, const QRectF& area, const QColor& ink, const 
     const double radius = side / 2.0 - ring / 2.0 - side / 32.0;
     const double dot = std::max(0.75, side / 26.0);
 
-    QPainterPath dial;
-    dial.addEllipse(centre, radius, radius);
     QPainterPath scale;
     for (const double angle : scaleAngles) {
         scale.addEllipse(onCircle(centre, radius * 0.66, angle), dot, dot);
@@ -50,18 +48,19 @@ void paintGauge(QPainter& painter, const QRectF& area, const QColor& ink, const 
     const QPointF tip = onCircle(centre, radius * 0.62, needleAngle);
 
     painter.setRenderHint(QPainter::Antialiasing);
-    // A faint halo keeps the light gauge visible on a light tray too.
-    for (const auto& [colour, extra] : {std::pair{halo, std::max(1.0, side / 24.0)}, std::pair{ink, 0.0}}) {
-        painter.setBrush(Qt::NoBrush);
-        painter.setPen(QPen(colour, ring + extra));
-        painter.drawPath(dial);
-        painter.setPen(QPen(colour, needle + extra, Qt::SolidLine, Qt::RoundCap));
-        painter.drawLine(centre, tip);
-        painter.setPen(extra > 0 ? QPen(colour, extra) : Qt::NoPen);
-        painter.setBrush(colour);
-        painter.drawPath(scale);
-        painter.drawEllipse(centre, needle, needle);
-    }
+    // A dark dial face under light strokes: the gauge reads on a dark tray and on a light one alike.
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(face);
+    painter.drawEllipse(centre, radius, radius);
+    painter.setBrush(Qt::NoBrush);
+    painter.setPen(QPen(ink, ring));
+    painter.drawEllipse(centre, radius, radius);
+    painter.setPen(QPen(ink, needle, Qt::SolidLine, Qt::RoundCap));
+    painter.drawLine(centre, tip);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(ink);
+    painter.drawPath(scale);
+    painter.drawEllipse(centre, needle, needle);
 }
 
 } // namespace
@@ -69,13 +68,13 @@ void paintGauge(QPainter& painter, const QRectF& area, const QColor& ink, const 
 void GaugeIconEngine::paint(QPainter* painter, const QRect& rect, QIcon::Mode mode, QIcon::State /*state*/)
 {
     QColor ink(236, 236, 236);
-    QColor halo(0, 0, 0, 90);
+    QColor face(28, 28, 30, 230); // the panel's own backdrop
     if (mode == QIcon::Disabled) {
         ink.setAlphaF(0.4F);
-        halo.setAlphaF(0.15F);
+        face.setAlphaF(0.5F);
     }
     painter->save();
-    paintGauge(*painter, QRectF(rect), ink, halo);
+    paintGauge(*painter, QRectF(rect), ink, face);
     painter->restore();
 }
 

@@ -43,6 +43,8 @@ void AppDelegate::fetchUsage()
 
     // A plain detached thread, not a pool: a script that never ends must not hold up quitting.
     std::thread([command = std::move(command), mainThread = mainThread_, delegate = this] {
+        // Loads ICU's data here, so the first interpretation does not pay for it on the main thread.
+        limits::warmUpInterpretation();
         auto result = limits::runLimitsScript(command, [&](const limits::ScriptProcess& process) {
             mainThread->post([delegate, process] { delegate->usageProcess = process; });
         });

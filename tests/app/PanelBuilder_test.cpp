@@ -5,6 +5,7 @@
 #include "Vantrel/ui/MiniSwitch.h"
 #include "Vantrel/ui/Palette.h"
 
+#include <QApplication>
 #include <QFrame>
 #include <QLabel>
 #include <QScrollArea>
@@ -49,6 +50,20 @@ TEST_F(PanelBuilderTest, ThePanelIsAFloatingToolWindowThatNeverTakesFocus)
     EXPECT_EQ(panel.focusPolicy(), Qt::NoFocus);
     EXPECT_EQ(panel.width(), 292);
     EXPECT_FALSE(panel.isVisible()); // built, not shown
+}
+
+TEST_F(PanelBuilderTest, ThePanelIsDarkWhateverTheDesktopTheme)
+{
+    const QPalette desktopPalette = QApplication::palette();
+    QPalette light = desktopPalette;
+    light.setColor(QPalette::WindowText, Qt::black);
+    light.setColor(QPalette::Window, Qt::white);
+    QApplication::setPalette(light);
+    const AppDelegate& app = withPanel();
+    QLabel* title = labelAt(stackAt(stackAt(app.root, 0), 0), 0);
+    const QColor titleColour = textColour(*title);
+    QApplication::setPalette(desktopPalette);
+    EXPECT_EQ(titleColour, ui::SystemColor::label());
 }
 
 TEST_F(PanelBuilderTest, WithACompositorThePanelIsTranslucentAndUnmasked)

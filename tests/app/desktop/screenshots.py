@@ -29,7 +29,7 @@ def document(observed_at):
 def main(executable, companion, folder):
     folder = pathlib.Path(folder)
     folder.mkdir(parents=True, exist_ok=True)
-    desktop = Desktop(compositor=True, background="#4d6a8a").start()
+    desktop = Desktop(compositor=True).start()
     desktop.env.update(TZ="Europe/Prague", LANG="C.UTF-8")
     try:
         codex = desktop.open_companion(companion, "Codex", geometry=(60, 120, 620, 520))

@@ -91,8 +91,8 @@ def selection_owner(display, selection):
 
 
 class Desktop:
-    def __init__(self, width=1280, height=800, tray=True, compositor=False, background=None):
-        self.width, self.height, self.background = width, height, background
+    def __init__(self, width=1280, height=800, tray=True, compositor=False):
+        self.width, self.height = width, height
         self.with_tray, self.with_compositor = tray, compositor
         self.processes = {}
         self.runtime = tempfile.TemporaryDirectory(prefix="vantrel-desktop-")
@@ -132,8 +132,6 @@ class Desktop:
                  "org.a11y.Bus.GetAddress")
         self.spawn("openbox", ["openbox", "--sm-disable"])
         wait_for(lambda: "window id" in self.xprop_root("_NET_SUPPORTING_WM_CHECK"), "openbox")
-        if self.background:
-            self.run("xsetroot", "-solid", self.background)
         if self.with_tray:
             self.start_tray()
         if self.with_compositor:
