@@ -1,4 +1,5 @@
 #include <QApplication>
+
 #include <gtest/gtest.h>
 
 // Widget tests need one QApplication for the whole run; the offscreen platform is set by CTest.

@@ -7,6 +7,7 @@
 #include <benchmark/benchmark.h>
 #include <nlohmann/json.hpp>
 
+#include "bench/RatioReporter.h"
 #include <cstdio>
 #include <fstream>
 #include <map>
@@ -65,47 +66,17 @@ void BM_PlainParse_Typical(benchmark::State& state)
 }
 BENCHMARK(BM_PlainParse_Typical);
 
-class RatioReporter : public benchmark::ConsoleReporter {
-public:
-    void ReportRuns(const std::vector<Run>& runs) override
-    {
-        ConsoleReporter::ReportRuns(runs);
-        for (const Run& run : runs) {
-            if (run.run_type == Run::RT_Iteration && run.iterations > 0) {
-                auto& [total, count] = perCall_[run.benchmark_name()];
-                total += run.GetAdjustedCPUTime();
-                ++count;
-            }
-        }
-    }
-
-    double mean(const std::string& name) const
-    {
-        const auto found = perCall_.find(name);
-        return found == perCall_.end() ? 0 : found->second.first / found->second.second;
-    }
-
-private:
-    std::map<std::string, std::pair<double, int>> perCall_;
-};
-
 } // namespace
 
 int main(int argc, char** argv)
 {
     benchmark::Initialize(&argc, argv);
-    RatioReporter reporter;
+    vantrel::bench::RatioReporter reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter);
-    const auto ratio = [&](const char* name, const char* peer) {
-        const double base = reporter.mean(peer);
-        if (base > 0 && reporter.mean(name) > 0) {
-            std::printf("%-40s / %-22s = %.2f\n", name, peer, reporter.mean(name) / base);
-        }
-    };
-    std::printf("\nRatios of CPU time per call (below 1: faster than the peer)\n");
-    ratio("BM_Interpret_Typical", "BM_PlainParse_Typical");
-    ratio("BM_InterpretWithCurrentContext_Typical", "BM_PlainParse_Typical");
-    ratio("BM_Decode_Typical", "BM_PlainParse_Typical");
+    reporter.printHeading();
+    reporter.printRatio("BM_Interpret_Typical", "BM_PlainParse_Typical");
+    reporter.printRatio("BM_InterpretWithCurrentContext_Typical", "BM_PlainParse_Typical");
+    reporter.printRatio("BM_Decode_Typical", "BM_PlainParse_Typical");
     benchmark::Shutdown();
     return 0;
 }

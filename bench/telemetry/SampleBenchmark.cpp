@@ -5,6 +5,7 @@
 
 #include <benchmark/benchmark.h>
 
+#include "bench/RatioReporter.h"
 #include <array>
 #include <cstdio>
 #include <fcntl.h>
@@ -124,60 +125,18 @@ BENCHMARK(BM_KeptOpenFloor_ThisMachine);
 BENCHMARK(BM_Sample_128Cores);
 BENCHMARK(BM_Floor_128Cores);
 
-// Keeps each benchmark's CPU time per iteration (the mean of repetitions) to print the ratios at the end; CPU
-// time rather than wall time, because on a shared machine the wall clock also counts other processes' turns.
-class RatioReporter : public benchmark::ConsoleReporter {
-public:
-    void ReportRuns(const std::vector<Run>& runs) override
-    {
-        ConsoleReporter::ReportRuns(runs);
-        for (const Run& run : runs) {
-            if (run.run_type == Run::RT_Iteration && run.iterations > 0)
-                add(iterations, run);
-            if (run.run_type == Run::RT_Aggregate && run.aggregate_name == "mean")
-                add(means, run);
-        }
-    }
-
-    // With repetitions the mean aggregate, else the single run.
-    double cpuTimePerCall(const std::string& name) const
-    {
-        for (const auto* table : {&means, &iterations})
-            if (const auto found = table->find(name); found != table->end())
-                return found->second.first / found->second.second;
-        return 0;
-    }
-
-private:
-    using Table = std::map<std::string, std::pair<double, int>>;
-    static void add(Table& table, const Run& run)
-    {
-        auto& [total, count] = table[run.run_name.str()];
-        total += run.GetAdjustedCPUTime();
-        ++count;
-    }
-
-    Table iterations;
-    Table means;
-};
-
 } // namespace
 
 int main(int argc, char** argv)
 {
     benchmark::Initialize(&argc, argv);
-    RatioReporter reporter;
+    vantrel::bench::RatioReporter reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter);
-    const auto ratio = [&](const char* name, const char* peer) {
-        const double base = reporter.cpuTimePerCall(peer);
-        if (base > 0 && reporter.cpuTimePerCall(name) > 0)
-            std::printf("%-32s / %-32s = %.2f\n", name, peer, reporter.cpuTimePerCall(name) / base);
-    };
-    std::printf("\nRatios of CPU time per call (below 1: faster than the peer)\n");
-    ratio("BM_Sample_ThisMachine", "BM_Floor_ThisMachine");
-    ratio("BM_KeptOpenFloor_ThisMachine", "BM_Floor_ThisMachine");
-    ratio("BM_Sample_ThisMachine", "BM_KeptOpenFloor_ThisMachine");
-    ratio("BM_Sample_128Cores", "BM_Floor_128Cores");
+    reporter.printHeading();
+    reporter.printRatio("BM_Sample_ThisMachine", "BM_Floor_ThisMachine");
+    reporter.printRatio("BM_KeptOpenFloor_ThisMachine", "BM_Floor_ThisMachine");
+    reporter.printRatio("BM_Sample_ThisMachine", "BM_KeptOpenFloor_ThisMachine");
+    reporter.printRatio("BM_Sample_128Cores", "BM_Floor_128Cores");
     std::filesystem::remove_all(manyCoreRoot());
     benchmark::Shutdown();
     return 0;

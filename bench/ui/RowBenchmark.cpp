@@ -13,6 +13,7 @@
 
 #include <benchmark/benchmark.h>
 
+#include "bench/RatioReporter.h"
 #include <cstdio>
 #include <map>
 #include <string>
@@ -130,31 +131,6 @@ BENCHMARK(BM_PastelBarPaint);
 BENCHMARK(BM_PastelBarPaintDimmed);
 BENCHMARK(BM_ProgressBarPaint);
 
-// Keeps each benchmark's time per iteration (the mean of repetitions) to print the ratios at the end.
-class RatioReporter : public benchmark::ConsoleReporter {
-public:
-    void ReportRuns(const std::vector<Run>& runs) override
-    {
-        ConsoleReporter::ReportRuns(runs);
-        for (const Run& run : runs) {
-            if (run.run_type == Run::RT_Iteration && run.iterations > 0) {
-                auto& [total, count] = perCall_[run.benchmark_name()];
-                total += run.GetAdjustedRealTime();
-                ++count;
-            }
-        }
-    }
-
-    double mean(const std::string& name) const
-    {
-        const auto found = perCall_.find(name);
-        return found == perCall_.end() ? 0.0 : found->second.first / found->second.second;
-    }
-
-private:
-    std::map<std::string, std::pair<double, int>> perCall_;
-};
-
 } // namespace
 
 int main(int argc, char** argv)
@@ -164,19 +140,13 @@ int main(int argc, char** argv)
     }
     const QApplication app(argc, argv);
     benchmark::Initialize(&argc, argv);
-    RatioReporter reporter;
+    vantrel::bench::RatioReporter reporter(vantrel::bench::RatioReporter::Clock::Real);
     benchmark::RunSpecifiedBenchmarks(&reporter);
-    const auto ratio = [&reporter](const char* name, const char* peer) {
-        const double base = reporter.mean(peer);
-        if (base > 0.0 && reporter.mean(name) > 0.0) {
-            static_cast<void>(std::printf("%-30s / %-30s = %.2f\n", name, peer, reporter.mean(name) / base));
-        }
-    };
-    static_cast<void>(std::printf("\nRatios of time per call (below 1: faster than the peer)\n"));
-    ratio("BM_MeterRowUpdate_Calm", "BM_StockRowUpdate_Calm");
-    ratio("BM_MeterRowUpdate_ColourFlips", "BM_StockRowUpdate_ColourFlips");
-    ratio("BM_PastelBarPaint", "BM_ProgressBarPaint");
-    ratio("BM_PastelBarPaintDimmed", "BM_ProgressBarPaint");
+    reporter.printHeading();
+    reporter.printRatio("BM_MeterRowUpdate_Calm", "BM_StockRowUpdate_Calm");
+    reporter.printRatio("BM_MeterRowUpdate_ColourFlips", "BM_StockRowUpdate_ColourFlips");
+    reporter.printRatio("BM_PastelBarPaint", "BM_ProgressBarPaint");
+    reporter.printRatio("BM_PastelBarPaintDimmed", "BM_ProgressBarPaint");
     benchmark::Shutdown();
     return 0;
 }
