@@ -1,23 +1,12 @@
 #include "Vantrel/app/AppDelegate.h"
 #include "Vantrel/app/ElidingLabel.h"
+#include "Vantrel/app/RowReading.h"
 #include "Vantrel/telemetry/TelemetryPresentation.h"
 #include "Vantrel/ui/Layout.h"
 #include "Vantrel/ui/MeterRow.h"
 #include "Vantrel/ui/Palette.h"
 
 namespace vantrel {
-namespace {
-
-void show(ui::MeterRow& row, const RowReading& reading)
-{
-    std::optional<QString> tooltip;
-    if (reading.tooltip) {
-        tooltip = QString::fromStdString(*reading.tooltip);
-    }
-    row.update(reading.value, tooltip);
-}
-
-} // namespace
 
 void AppDelegate::sample()
 {
@@ -36,12 +25,12 @@ void AppDelegate::showSample(const SampleRecord& record)
         resize();
     }
     for (std::size_t index = 0; index < cpuRows.size() && index < shown.cores.size(); ++index) {
-        show(*cpuRows[index], shown.cores[index]);
+        showReading(*cpuRows[index], shown.cores[index].value, shown.cores[index].tooltip);
     }
-    show(*cpu, shown.cpu);
-    show(*ram, shown.ram);
-    show(*gpu, shown.gpu);
-    show(*network, shown.network);
+    showReading(*cpu, shown.cpu.value, shown.cpu.tooltip);
+    showReading(*ram, shown.ram.value, shown.ram.tooltip);
+    showReading(*gpu, shown.gpu.value, shown.gpu.tooltip);
+    showReading(*network, shown.network.value, shown.network.tooltip);
 
     if (const auto warning = stalenessWarning(lastUsage, lastFetchFailed, services_.now())) {
         updated->setText(QString::fromStdString(*warning));

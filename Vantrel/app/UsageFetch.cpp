@@ -1,6 +1,7 @@
 #include "Vantrel/app/AppDelegate.h"
 #include "Vantrel/app/ElidingLabel.h"
 #include "Vantrel/app/MainThreadQueue.h"
+#include "Vantrel/app/RowReading.h"
 #include "Vantrel/limits/LimitsScript.h"
 #include "Vantrel/limits/UsageInterpretation.h"
 #include "Vantrel/ui/MeterRow.h"
@@ -15,20 +16,12 @@
 namespace vantrel {
 namespace {
 
-std::optional<QString> toQString(const std::optional<std::string>& text)
-{
-    if (!text) {
-        return std::nullopt;
-    }
-    return QString::fromStdString(*text);
-}
-
 void show(ui::MeterRow& row, const limits::LimitRowUsage& usage)
 {
     if (usage.caption) {
         row.label()->setText(QString::fromStdString(*usage.caption));
     }
-    row.update(usage.value, toQString(usage.tooltip));
+    showReading(row, usage.value, usage.tooltip);
 }
 
 } // namespace
