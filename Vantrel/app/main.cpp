@@ -1,4 +1,4 @@
-#include "Vantrel/app/Application.h"
+#include "Vantrel/app/PanelModule.h"
 #include "Vantrel/app/SampleMode.h"
 
 #include <span>
@@ -7,5 +7,5 @@ int main(int argc, char** argv)
 {
     if (vantrel::selectsSampleMode(std::span(argv, static_cast<std::size_t>(argc))))
         return vantrel::runSampleMode();
-    return vantrel::runApplication(argc, argv);
+    return vantrel::runPanelModule(argc, argv);
 }

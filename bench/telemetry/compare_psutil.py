@@ -7,7 +7,6 @@ time -v prints, but in microseconds rather than rounded to 10 ms, which is coars
 (wait4's peak RSS is not used: a child forked from this Python process starts out as large as Python.)
 
 Usage: bench/telemetry/compare_psutil.py path/to/vantrel [runs]
-(vantrel_sample_only, built beside the benchmarks, is the same sample mode without the panel's libraries.)
 """
 import os
 import re

@@ -1,8 +1,10 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
+#include <filesystem>
 #include <regex>
 #include <string>
 #include <sys/wait.h>
@@ -15,12 +17,14 @@ struct ProgramRun {
     int status = -1;
 };
 
-// Runs the built program without a display, so a normal start can never open a window, and with a kill
-// timer, so a normal start that waits for a display cannot hang the test.
-ProgramRun runVantrel(const std::string& arguments)
+// Runs a program without a display, so a normal start can never open a window, and with a kill timer, so
+// a normal start that waits for a display cannot hang the test. Standard error is kept only when asked.
+ProgramRun runProgram(const std::filesystem::path& executable, const std::string& arguments,
+                      bool withErrors = false)
 {
     const std::string command = "env -u DISPLAY -u WAYLAND_DISPLAY QT_QPA_PLATFORM=xcb timeout -s KILL 30 '" +
-                                std::string(VANTREL_EXECUTABLE) + "' " + arguments + " 2>/dev/null";
+                                executable.string() + "' " + arguments +
+                                (withErrors ? " 2>&1" : " 2>/dev/null");
     ProgramRun run;
     FILE* pipe = ::popen(command.c_str(), "r");
     if (pipe == nullptr)
@@ -32,6 +36,11 @@ ProgramRun runVantrel(const std::string& arguments)
     const int status = ::pclose(pipe);
     run.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
     return run;
+}
+
+ProgramRun runVantrel(const std::string& arguments)
+{
+    return runProgram(VANTREL_EXECUTABLE, arguments);
 }
 
 TEST(SampleModeBinary, PrintsTheWholeRecordInShape)
@@ -97,6 +106,28 @@ TEST(SampleModeBinary, LookAlikesStartTheApplicationInstead)
         EXPECT_EQ(run.output.find('{'), std::string::npos) << arguments << ": " << run.output;
         EXPECT_EQ(run.output.find("\"cpu\""), std::string::npos) << arguments;
     }
+}
+
+// The executable alone, without the panel module beside it: the sample mode needs none of the panel's
+// libraries, and the normal start says in one line what is missing.
+TEST(SampleModeBinary, SamplesWithoutThePanelModule)
+{
+    const std::filesystem::path directory =
+        std::filesystem::path(testing::TempDir()) / "vantrel-alone" / "bin";
+    std::filesystem::create_directories(directory);
+    const std::filesystem::path executable = directory / "vantrel";
+    std::filesystem::copy_file(VANTREL_EXECUTABLE, executable,
+                               std::filesystem::copy_options::overwrite_existing);
+
+    const ProgramRun sample = runProgram(executable, "--sample");
+    EXPECT_EQ(sample.status, 0);
+    EXPECT_TRUE(nlohmann::json::parse(sample.output).is_object());
+
+    const ProgramRun start = runProgram(executable, "", true);
+    EXPECT_EQ(start.status, 1);
+    EXPECT_EQ(start.output.rfind("vantrel: cannot load the panel: ", 0), 0U) << start.output;
+    EXPECT_NE(start.output.find("lib/vantrel/vantrel_panel.so"), std::string::npos) << start.output;
+    EXPECT_EQ(std::count(start.output.begin(), start.output.end(), '\n'), 1) << start.output;
 }
 
 } // namespace

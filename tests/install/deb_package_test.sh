@@ -28,6 +28,7 @@ dpkg-deb --extract "$deb" "$root"
 (cd "$root" && find . -type f -printf '%m %P\n' | sort) >"$work/files"
 {
   echo "755 usr/bin/vantrel"
+  echo "644 usr/lib/vantrel/vantrel_panel.so"
   echo "755 usr/share/vantrel/vantrel.py"
   echo "644 usr/share/applications/$app_id.desktop"
   echo "644 usr/share/metainfo/$app_id.metainfo.xml"
@@ -42,9 +43,13 @@ dpkg-deb --extract "$deb" "$root"
 diff -u "$work/expected" "$work/files" || fail "the package's files differ from the expected list (- expected, + packaged)"
 [ -z "$(cd "$root" && find . -type d ! -perm 755)" ] || fail "directories not 0755: $(cd "$root" && find . -type d ! -perm 755)"
 if dpkg-deb --contents "$deb" | awk '{ print $2 }' | grep -qv '^root/root$'; then fail "files not owned by root"; fi
-if readelf --sections "$root/usr/bin/vantrel" | grep -qE '\.(symtab|debug_info)'; then fail "usr/bin/vantrel is not stripped"; fi
+binaries=(usr/bin/vantrel usr/lib/vantrel/vantrel_panel.so)
+for binary in "${binaries[@]}"; do
+  if readelf --sections "$root/$binary" | grep -qE '\.(symtab|debug_info)'; then fail "$binary is not stripped"; fi
+done
 
-# Depends: python3 for the limits script, and the package of every shared library the program links.
+# Depends: python3 for the limits script, and the package of every shared library the program and its
+# panel module link.
 depends=$(field Depends)
 declare -A depended
 IFS=',' read -ra items <<<"$depends"
@@ -59,7 +64,8 @@ while read -r soname; do
   found=
   for owner in $owners; do [ -n "${depended[$owner]:-}" ] && found=1; done
   [ -n "$found" ] || fail "Depends names none of [$owners] for $soname: $depends"
-done < <(readelf --dynamic "$root/usr/bin/vantrel" | sed -n 's/.*(NEEDED).*\[\(.*\)\]/\1/p')
+done < <(for binary in "${binaries[@]}"; do readelf --dynamic "$root/$binary"; done \
+           | sed -n 's/.*(NEEDED).*\[\(.*\)\]/\1/p' | sort -u)
 
 # One version everywhere: package, changelog, AppStream release.
 zcat "$root/usr/share/doc/vantrel/changelog.gz" | head -n 1 | grep -q "^vantrel ($version) " \

@@ -17,6 +17,7 @@ DESTDIR=$root "$cmake" --install "$build" --prefix /usr >/dev/null
 
 expected=(
   bin/vantrel
+  lib/vantrel/vantrel_panel.so
   share/vantrel/vantrel.py
   "share/applications/$app_id.desktop"
   "share/metainfo/$app_id.metainfo.xml"

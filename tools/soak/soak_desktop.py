@@ -8,22 +8,17 @@ import signal
 import subprocess
 import tempfile
 
-from vantrel_desktop import wait_for
+from vantrel_desktop import install_into_prefix, wait_for
 
 FRONT_CLASSES = ["Codex", "ChatGPT", "Firefox", "Other", "XTerm"]
 
 
 class Program:
-    """The program installed into a private prefix (bin/vantrel beside share/vantrel/vantrel.py), so that
-    it runs the soak's limits script."""
+    """The program installed into a private prefix, so that it runs the soak's limits script."""
 
     def __init__(self, desktop, executable, script):
         self.desktop = desktop
-        self.prefix = pathlib.Path(tempfile.mkdtemp(prefix="vantrel-soak-"))
-        (self.prefix / "bin").mkdir()
-        (self.prefix / "share" / "vantrel").mkdir(parents=True)
-        shutil.copy2(executable, self.prefix / "bin" / "vantrel")
-        shutil.copy2(script, self.prefix / "share" / "vantrel" / "vantrel.py")
+        self.prefix = install_into_prefix(executable, script, "vantrel-soak-")
         self.stderr = self.prefix / "stderr.txt"
         with open(self.stderr, "w") as errors:
             self.process = subprocess.Popen([str(self.prefix / "bin" / "vantrel")], env=desktop.env,

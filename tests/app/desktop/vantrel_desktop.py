@@ -1,7 +1,8 @@
 """A private X desktop for end-to-end tests of the real program.
 
 Xvfb on a free display, openbox, a trayer tray, optionally xcompmgr, and Vantrel started from a copy of
-the installed layout (bin/vantrel beside share/vantrel/vantrel.py) whose limits script is the test's own.
+the installed layout (bin/vantrel, lib/vantrel/, share/vantrel/vantrel.py) whose limits script is the
+test's own.
 Everything is read the way a user's tools see it: xprop, xwininfo, xdotool and AT-SPI.
 Run it inside a D-Bus session of its own (desktop_case.main() starts one), for a private AT-SPI registry.
 """
@@ -32,6 +33,19 @@ def wait_for(condition, what, timeout=TIMEOUT, interval=0.05):
         if time.monotonic() > deadline:
             raise AssertionError(f"timed out waiting for {what}")
         time.sleep(interval)
+
+
+def install_into_prefix(executable, script, prefix_name):
+    """A private prefix laid out as an installed one: bin/vantrel, the panel module beside it in
+    lib/vantrel/, and the given script as share/vantrel/vantrel.py."""
+    executable = pathlib.Path(executable)
+    module = executable.parent.parent / "lib" / "vantrel" / "vantrel_panel.so"
+    prefix = pathlib.Path(tempfile.mkdtemp(prefix=prefix_name))
+    for source, target in ((executable, "bin/vantrel"), (module, "lib/vantrel/vantrel_panel.so"),
+                           (script, "share/vantrel/vantrel.py")):
+        (prefix / target).parent.mkdir(parents=True, exist_ok=True)
+        shutil.copy2(source, prefix / target)
+    return prefix
 
 
 def die_with_parent():
@@ -251,11 +265,7 @@ class Vantrel:
 
     def __init__(self, desktop, executable, script):
         self.desktop = desktop
-        self.prefix = pathlib.Path(tempfile.mkdtemp(prefix="vantrel-prefix-"))
-        (self.prefix / "bin").mkdir()
-        (self.prefix / "share" / "vantrel").mkdir(parents=True)
-        shutil.copy2(executable, self.prefix / "bin" / "vantrel")
-        shutil.copy2(script, self.prefix / "share" / "vantrel" / "vantrel.py")
+        self.prefix = install_into_prefix(executable, script, "vantrel-prefix-")
         self.control = self.prefix / "control"
         self.control.mkdir()
         self.process = None
