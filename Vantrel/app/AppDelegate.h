@@ -110,10 +110,12 @@ public:
 
 private:
     void orderFrontRegardless();
+    void showHeldSample();
     void watchScreen(const QScreen* screen);
 
     AppServices services_;
     std::shared_ptr<MainThreadQueue> mainThread_;
+    std::optional<SampleRecord> heldSample_; // the newest tick's record while the panel is hidden
 };
 
 } // namespace vantrel

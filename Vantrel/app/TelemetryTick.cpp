@@ -1,5 +1,6 @@
 #include "Vantrel/app/AppDelegate.h"
 #include "Vantrel/app/ElidingLabel.h"
+#include "Vantrel/app/OverlayPanel.h"
 #include "Vantrel/app/RowReading.h"
 #include "Vantrel/telemetry/TelemetryPresentation.h"
 #include "Vantrel/ui/Layout.h"
@@ -10,7 +11,24 @@ namespace vantrel {
 
 void AppDelegate::sample()
 {
-    showSample(sampler.sample());
+    SampleRecord record = sampler.sample();
+    // A hidden panel is not drawn, yet figures put on its views would still cost text layout and
+    // accessibility events every tick: the newest record waits for the panel to show instead.
+    if (panel != nullptr && !panel->isVisible()) {
+        heldSample_ = std::move(record);
+        return;
+    }
+    heldSample_.reset();
+    showSample(record);
+}
+
+void AppDelegate::showHeldSample()
+{
+    if (heldSample_) {
+        const SampleRecord record = std::move(*heldSample_);
+        heldSample_.reset();
+        showSample(record);
+    }
 }
 
 void AppDelegate::showSample(const SampleRecord& record)

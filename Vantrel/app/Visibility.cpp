@@ -144,6 +144,7 @@ void AppDelegate::orderFrontRegardless()
 {
     OverlayPanel& window = built(panel.get());
     if (!window.isVisible()) {
+        showHeldSample();
         services_.desktop->prepareToShow(window);
         window.show();
         services_.desktop->didShow(window);

@@ -1,11 +1,12 @@
-"""Vantrel's CPU time and memory while it runs, beside conky showing the same figures and a minimal Qt
-Widgets window, all measured in the same minute on private Xvfb desktops:
+"""Vantrel's CPU time and memory while it runs, beside conky showing the same figures, a minimal Qt
+Widgets window and the sampling alone, all measured in the same minute on private Xvfb desktops:
 
 - Vantrel with its panel shown (Codex in front), on one desktop with conky and the minimal Qt window;
-- Vantrel with its panel hidden (another application in front), on a second desktop.
+- Vantrel with its panel hidden (another application in front), on a second desktop;
+- sampling_loop (built beside minimal_qt_window): the same readings every 2 s and nothing else.
 
-CPU is the time the process's threads spent on a CPU (the limits script, a child, is not included), as
-ms per minute after a warm-up; RSS is the resident memory at the end.
+CPU is the time the process's threads spent on a CPU, those that ended during the minute included (the
+limits script, a child, is not), as ms per minute after a warm-up; RSS is the resident memory at the end.
 
     python3 bench/app/footprint.py build/bin/vantrel build/bin/minimal_qt_window [seconds]
 """
@@ -27,17 +28,31 @@ LIMITS_SCRIPT = HERE.parents[1] / "tests" / "fixtures" / "app" / "limits_script.
 WARM_UP = 6.0
 
 
-def cpu_seconds(pid):
-    """Time on a CPU of all the process's threads, in nanoseconds from the scheduler (the 10 ms ticks of
-    /proc/PID/stat are too coarse for a program that works a millisecond every two seconds)."""
-    total = 0
+def thread_cpu_seconds(pid):
+    """Time on a CPU of each of the process's threads now, in seconds, from the scheduler's nanoseconds
+    (the 10 ms ticks of /proc/PID/stat are too coarse for a program that works a millisecond every two
+    seconds)."""
+    times = {}
     for task in pathlib.Path(f"/proc/{pid}/task").iterdir():
         try:
-            total += int((task / "schedstat").read_text().split()[0])
+            times[task.name] = int((task / "schedstat").read_text().split()[0]) / 1e9
         except (FileNotFoundError, ProcessLookupError):
             continue  # a thread that ended meanwhile
-    return total / 1e9
+    return times
 
+
+def cpu_seconds_during(pids, seconds, interval=0.05):
+    """CPU time of each process over the next seconds. A thread that ends (the limits run's worker) takes
+    its time out of /proc with it, so the threads are read every interval and each keeps its last time
+    seen: what a thread does in its last interval is all that can be missed."""
+    start = {pid: thread_cpu_seconds(pid) for pid in pids}
+    latest = {pid: dict(times) for pid, times in start.items()}
+    end = time.monotonic() + seconds
+    while time.monotonic() < end:
+        time.sleep(interval)
+        for pid in pids:
+            latest[pid].update(thread_cpu_seconds(pid))
+    return {pid: sum(latest[pid].values()) - sum(start[pid].values()) for pid in pids}
 
 def rss_megabytes(pid):
     for line in pathlib.Path(f"/proc/{pid}/status").read_text().splitlines():
@@ -98,26 +113,29 @@ def main(executable, minimal_window, seconds=60.0):
         wait_for(vantrel_shown.panel_shown, "the shown panel")
         conky = shown_desktop.spawn("conky", ["conky", "-c", str(conky_config(folder))])
         qt_window = shown_desktop.spawn("minimal", [minimal_window])
+        sampling = hidden_desktop.spawn("sampling", [str(pathlib.Path(minimal_window).parent / "sampling_loop")])
         measured = {
             "vantrel, panel shown": vantrel_shown.process.pid,
             "vantrel, panel hidden": vantrel_hidden.process.pid,
             "conky (same figures, 2 s)": conky.pid,
             "minimal Qt Widgets window": qt_window.pid,
+            "sampling alone (every 2 s)": sampling.pid,
         }
         time.sleep(WARM_UP)
-        before = {name: cpu_seconds(pid) for name, pid in measured.items()}
-        time.sleep(seconds)
-        after = {name: cpu_seconds(pid) for name, pid in measured.items()}
+        used = cpu_seconds_during(list(measured.values()), seconds)
         rss = {name: rss_megabytes(pid) for name, pid in measured.items()}
-        per_minute = {name: (after[name] - before[name]) * 1000 * 60 / seconds for name in measured}
+        per_minute = {name: used[pid] * 1000 * 60 / seconds for name, pid in measured.items()}
 
         conky_cpu = per_minute["conky (same figures, 2 s)"]
         floor_rss = rss["minimal Qt Widgets window"]
         print(f"footprint over {seconds:.0f} s after a {WARM_UP:.0f} s warm-up ({os.cpu_count()} CPUs)")
-        print(f"{'program':32} {'CPU ms/min':>10} {'vs conky':>9} {'RSS MB':>8} {'vs Qt floor':>12}")
+        sampling_cpu = per_minute["sampling alone (every 2 s)"]
+        print(f"{'program':32} {'CPU ms/min':>10} {'vs conky':>9} {'vs sampling':>12} {'RSS MB':>8} "
+              f"{'vs Qt floor':>12}")
         for name in measured:
             ratio = per_minute[name] / conky_cpu if conky_cpu > 0 else float("inf")
-            print(f"{name:32} {per_minute[name]:10.1f} {ratio:8.2f}x {rss[name]:8.1f} "
+            to_sampling = per_minute[name] / sampling_cpu if sampling_cpu > 0 else float("inf")
+            print(f"{name:32} {per_minute[name]:10.1f} {ratio:8.2f}x {to_sampling:11.2f}x {rss[name]:8.1f} "
                   f"{rss[name] - floor_rss:+11.1f}")
     finally:
         for vantrel in programs:

@@ -65,8 +65,10 @@ TEST_F(AppDelegateTest, LaunchingBuildsEverythingAndStartsBothTimers)
 TEST_F(AppDelegateTest, RightAfterLaunchTheFiguresAreShownAndALimitsRunIsInFlight)
 {
     telemetryRoot = "/";
+    desktop.frontmost = windowOfClass("Codex");
     AppDelegate& app = delegate();
     app.applicationDidFinishLaunching();
+    ASSERT_TRUE(app.panel->isVisible());
     EXPECT_NE(app.ram->value()->text(), QString::fromUtf8("—"));
     EXPECT_TRUE(app.isFetching);
     ASSERT_TRUE(waitUntil([&] { return !app.isFetching; }));

@@ -111,10 +111,35 @@ TEST_F(TelemetryTickTest, AnUnavailableNetworkCarriesTheExplanation)
 TEST_F(TelemetryTickTest, TheTickSamplesTheMachine)
 {
     telemetryRoot = "/";
-    AppDelegate& app = withPanel();
+    AppDelegate& app = withShownPanel();
     app.sample();
     // The machine's own memory reading: present, unlike the first load figures.
     EXPECT_NE(app.ram->value()->text(), QString::fromUtf8("—"));
+}
+
+TEST_F(TelemetryTickTest, AHiddenPanelGetsTheNewestRecordWhenItShows)
+{
+    telemetryRoot = std::string(VANTREL_FIXTURES) + "/telemetry/machine";
+    AppDelegate& app = withPanel();
+    app.lastUsage = now - 150;
+    app.sample();
+    EXPECT_EQ(app.ram->value()->text(), QString::fromUtf8("—"));
+    EXPECT_EQ(app.updated->text(), QString::fromUtf8("Limity: načítání…"));
+
+    desktop.frontmost = windowOfClass("Codex");
+    app.focusChanged();
+    ASSERT_TRUE(app.panel->isVisible());
+    // (2 000 000 active + 200 000 wired + 200 000 compressed) kB of 16 000 000 kB.
+    EXPECT_EQ(app.ram->value()->text(), QString::fromUtf8("15 %"));
+    EXPECT_EQ(app.updated->text(), QString::fromUtf8("Limity: starší údaj (2 min) · nelze obnovit"));
+}
+
+TEST_F(TelemetryTickTest, AShownPanelGetsEachRecordAtOnce)
+{
+    telemetryRoot = std::string(VANTREL_FIXTURES) + "/telemetry/machine";
+    AppDelegate& app = withShownPanel();
+    app.sample();
+    EXPECT_EQ(app.ram->value()->text(), QString::fromUtf8("15 %"));
 }
 
 struct StalenessCase {
