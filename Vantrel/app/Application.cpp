@@ -2,6 +2,7 @@
 
 #include "Vantrel/app/AppDelegate.h"
 #include "Vantrel/app/DisplayCheck.h"
+#include "Vantrel/app/QuitOnSignals.h"
 #include "Vantrel/app/X11Desktop.h"
 
 #include <QApplication>
@@ -30,6 +31,7 @@ int runApplication(int argc, char** argv)
         static_cast<void>(std::fputs("vantrel: the X display gives no connection to work with\n", stderr));
         return 1;
     }
+    const QuitOnSignals quitOnSignals;
     AppDelegate delegate(productionServices(*desktop));
     QObject::connect(&application, &QCoreApplication::aboutToQuit, &delegate,
                      &AppDelegate::applicationWillTerminate);

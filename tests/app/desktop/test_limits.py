@@ -2,6 +2,7 @@
 quitting while it runs."""
 
 import os
+import signal
 import time
 
 import accessibility as a11y
@@ -78,6 +79,16 @@ class Limits(DesktopTestCase):
         a11y.TrayMenu(self.desktop, tray).open().choose_last(5)
         self.assertEqual(vantrel.process.wait(20), 0)
         # The script was the program's child; now it is ours, and it ended on the termination request.
+        outcome, status = reap(script)
+        if outcome == "reaped":
+            self.assertTrue(terminated_by_sigterm(status), status)
+        self.assertFalse(os.path.exists(f"/proc/{script}"))
+
+    def test_a_termination_request_quits_as_the_menu_does_and_ends_the_script(self):
+        vantrel, _, _ = self.launch(hang=True)
+        script = wait_for(vantrel.script_runs, "the script's run")[0]
+        vantrel.process.send_signal(signal.SIGTERM)
+        self.assertEqual(vantrel.process.wait(20), 0)
         outcome, status = reap(script)
         if outcome == "reaped":
             self.assertTrue(terminated_by_sigterm(status), status)
