@@ -5,10 +5,16 @@
 
 #include <QFile>
 #include <QLabel>
+#include <QTemporaryDir>
 
 #include <nlohmann/json.hpp>
 
 #include "DelegateFixture.h"
+#include <filesystem>
+#include <fstream>
+#include <signal.h>
+#include <sstream>
+#include <string>
 
 namespace vantrel::testing {
 namespace {
@@ -240,6 +246,97 @@ TEST_F(UsageFetchTest, AScriptThatNeverEndsBlocksFurtherRunsUntilQuitStopsIt)
     EXPECT_TRUE(app.lastFetchFailed);
     EXPECT_EQ(runCount(), 1);
 }
+
+struct Misbehaviour {
+    const char* description;
+    const char* python; // after a prelude that records the script's pid in pids.txt
+    bool ends;          // the run ends by itself (then in the failure display)
+};
+
+class MisbehavingScriptTest : public UsageFetchTest, public ::testing::WithParamInterface<Misbehaviour> {
+protected:
+    std::vector<pid_t> recordedPids() const
+    {
+        std::ifstream file(resourcePath("pids.txt").toStdString());
+        std::vector<pid_t> pids;
+        for (pid_t pid = 0; file >> pid;) {
+            pids.push_back(pid);
+        }
+        return pids;
+    }
+
+    // Ended, or a zombie waiting for whoever inherited it: either way no longer running.
+    static bool isRunning(pid_t pid)
+    {
+        std::ifstream stat("/proc/" + std::to_string(pid) + "/stat");
+        std::string text;
+        std::getline(stat, text);
+        const std::size_t close = text.rfind(')');
+        return close != std::string::npos && close + 2 < text.size() && text[close + 2] != 'Z';
+    }
+
+    // A copy of a machine's kernel files, whose memory figure the test changes while the script runs.
+    void rewriteActiveMemory(const std::string& kilobytes)
+    {
+        const std::filesystem::path meminfo =
+            std::filesystem::path(tree.path().toStdString()) / "proc" / "meminfo";
+        std::stringstream text;
+        text << std::ifstream(meminfo).rdbuf();
+        std::string content = text.str();
+        const std::size_t line = content.find("Active:");
+        content.replace(line, content.find('\n', line) - line, "Active:          " + kilobytes + " kB");
+        std::ofstream(meminfo, std::ios::trunc) << content;
+    }
+
+    QTemporaryDir tree;
+};
+
+TEST_P(MisbehavingScriptTest, TheTicksGoOnAndQuittingLeavesNothingRunning)
+{
+    std::filesystem::copy(std::filesystem::path(VANTREL_FIXTURES) / "telemetry" / "machine",
+                          tree.path().toStdString(), std::filesystem::copy_options::recursive);
+    telemetryRoot = tree.path().toStdString();
+    writeLimitsScript(std::string("import os, pathlib, signal, subprocess, sys, time\n"
+                                  "pids = open(pathlib.Path(__file__).parent / 'pids.txt', 'a')\n"
+                                  "pids.write(f'{os.getpid()}\\n'); pids.flush()\n") +
+                      GetParam().python);
+    desktop.frontmost = windowOfClass("Codex");
+    AppDelegate& app = delegate();
+    app.applicationDidFinishLaunching();
+    ASSERT_TRUE(waitUntil([&] { return !recordedPids().empty(); }));
+    EXPECT_EQ(app.ram->value()->text(), QString::fromUtf8("15 %"));
+
+    // (6 000 000 active + 200 000 wired + 200 000 compressed) kB of 16 000 000 kB, at the next tick.
+    rewriteActiveMemory("6000000");
+    EXPECT_TRUE(waitUntil([&] { return app.ram->value()->text() == QString::fromUtf8("40 %"); }))
+        << GetParam().description;
+    if (GetParam().ends) {
+        ASSERT_TRUE(waitUntil([&] { return !app.isFetching; }));
+        EXPECT_EQ(app.updated->text(), QString::fromUtf8("Limity nejsou dostupné · místní výkon funguje"));
+    } else {
+        EXPECT_TRUE(app.isFetching) << GetParam().description;
+        EXPECT_EQ(app.updated->text(), QString::fromUtf8("Limity: načítání…"));
+    }
+
+    app.applicationWillTerminate();
+    ASSERT_TRUE(waitUntil([&] { return !app.isFetching; }));
+    for (const pid_t pid : recordedPids()) {
+        EXPECT_TRUE(waitUntil([&] { return !isRunning(pid); })) << GetParam().description << ": " << pid;
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Scripts, MisbehavingScriptTest,
+    ::testing::Values(
+        Misbehaviour{"never ends", "time.sleep(3600)\n", false},
+        Misbehaviour{"closes its output and never exits",
+                     "print('{}', flush=True)\nos.close(1)\ntime.sleep(3600)\n", false},
+        Misbehaviour{
+            "leaves a child holding its output",
+            "child = subprocess.Popen(['sleep', '3600'])\npids.write(f'{child.pid}\\n'); pids.flush()\n"
+            "print('{}')\n",
+            false},
+        Misbehaviour{"killed by a signal", "os.kill(os.getpid(), signal.SIGKILL)\n", true}));
 
 } // namespace
 } // namespace vantrel::testing
