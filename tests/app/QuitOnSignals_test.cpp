@@ -20,8 +20,15 @@ bool handledByDefault(int signal)
 // The event loop ends with this status: 0 when the request quit it, 1 when nothing did within 10 s.
 int loopStatusAfterRaising(int signal)
 {
-    QTimer::singleShot(0, [signal] { std::raise(signal); });
-    QTimer::singleShot(10'000, [] { QCoreApplication::exit(1); });
+    QTimer request;
+    request.setSingleShot(true);
+    QObject::connect(&request, &QTimer::timeout, &request,
+                     [signal] { static_cast<void>(std::raise(signal)); });
+    request.start(0);
+    QTimer ceiling;
+    ceiling.setSingleShot(true);
+    QObject::connect(&ceiling, &QTimer::timeout, &ceiling, [] { QCoreApplication::exit(1); });
+    ceiling.start(10'000);
     return QCoreApplication::exec();
 }
 

@@ -12,9 +12,10 @@
 #include "DelegateFixture.h"
 #include <filesystem>
 #include <fstream>
-#include <signal.h>
 #include <sstream>
 #include <string>
+#include <sys/types.h>
+#include <vector>
 
 namespace vantrel::testing {
 namespace {
