@@ -15,6 +15,12 @@ int failToLoad(const std::string& reason)
     return 1;
 }
 
+std::string loaderError()
+{
+    const char* error = dlerror();
+    return error != nullptr ? error : "the dynamic loader gives no reason";
+}
+
 } // namespace
 
 std::filesystem::path panelModuleOf(const std::filesystem::path& executable)
@@ -33,11 +39,11 @@ int runPanelModule(int argc, char** argv)
     // The module stays loaded until the process ends.
     void* module = dlopen(panelModuleOf(executable).c_str(), RTLD_NOW | RTLD_LOCAL);
     if (module == nullptr)
-        return failToLoad(dlerror());
+        return failToLoad(loaderError());
     // POSIX guarantees that a function's address survives the round trip through dlsym's void*.
     const auto entry = reinterpret_cast<PanelEntry>(dlsym(module, panelEntryName));
     if (entry == nullptr)
-        return failToLoad(dlerror());
+        return failToLoad(loaderError());
     return entry(argc, argv);
 }
 
