@@ -2,6 +2,7 @@
 
 #include "Vantrel/app/AppDelegate.h"
 #include "Vantrel/app/DisplayCheck.h"
+#include "Vantrel/app/MemoryPolicy.h"
 #include "Vantrel/app/QuitOnSignals.h"
 #include "Vantrel/app/X11Desktop.h"
 
@@ -18,6 +19,7 @@ int runApplication(int argc, char** argv)
         static_cast<void>(std::fprintf(stderr, "%s\n", problem->c_str()));
         return 1;
     }
+    keepLargeBlocksMapped();
     // The panel places itself and follows the window in front through X11; in a Wayland session that
     // is XWayland, whose DISPLAY was just checked.
     qputenv("QT_QPA_PLATFORM", "xcb");
