@@ -7,6 +7,8 @@
 #include "Vantrel/ui/MeterRow.h"
 #include "Vantrel/ui/Palette.h"
 
+#include <utility>
+
 namespace vantrel {
 
 void AppDelegate::sample()
@@ -18,16 +20,13 @@ void AppDelegate::sample()
         heldSample_ = std::move(record);
         return;
     }
-    heldSample_.reset();
     showSample(record);
 }
 
 void AppDelegate::showHeldSample()
 {
-    if (heldSample_) {
-        const SampleRecord record = std::move(*heldSample_);
-        heldSample_.reset();
-        showSample(record);
+    if (const auto record = std::exchange(heldSample_, std::nullopt)) {
+        showSample(*record);
     }
 }
 
