@@ -1,5 +1,6 @@
-// A stand-in for NVIDIA's libnvidia-ml.so.1, built in several broken variants (one FAKE_NVML_* macro each)
-// so that the tests can show how the sampler lives with a driver library that is there but misbehaves.
+// A stand-in for NVIDIA's libnvidia-ml.so.1, built in several variants (one FAKE_NVML_* macro each): broken
+// ones, so that the tests can show how the sampler lives with a driver library that is there but misbehaves,
+// and one that answers as the driver of one whole H100 does.
 // Every variant counts the calls made into it, so a test can tell that the fake was really loaded.
 
 #include <array>
@@ -13,10 +14,15 @@ using Device = void*;
 #else
 #define FAKE_NVML_QUERY __attribute__((visibility("default")))
 #endif
-#ifdef FAKE_NVML_DEVICES_FAIL
+#if defined(FAKE_NVML_DEVICES_FAIL) || defined(FAKE_NVML_ONE_GPU)
 #define FAKE_NVML_ATTRIBUTES __attribute__((visibility("default")))
 #else
 #define FAKE_NVML_ATTRIBUTES __attribute__((visibility("hidden")))
+#endif
+#ifdef FAKE_NVML_ONE_GPU
+#define FAKE_NVML_CORES __attribute__((visibility("default")))
+#else
+#define FAKE_NVML_CORES __attribute__((visibility("hidden")))
 #endif
 
 namespace {
@@ -37,11 +43,18 @@ constexpr bool devicesFail = true;
 constexpr bool devicesFail = false;
 #endif
 
+#ifdef FAKE_NVML_ONE_GPU
+constexpr bool oneGpu = true;
+#else
+constexpr bool oneGpu = false;
+#endif
+
 constexpr Return success = 0;
 constexpr Return errorUninitialised = 1;
+constexpr Return errorNotSupported = 3;
 constexpr Return errorUnknown = 999;
-constexpr unsigned int reportedDevices = 3;
-std::array<int, reportedDevices> devices{};
+constexpr unsigned int reportedDevices = oneGpu ? 1 : 3;
+std::array<int, 3> devices{}; // the handles the most devices that a variant reports need
 int callCount = 0;
 
 } // namespace
@@ -111,13 +124,33 @@ FAKE_NVML_QUERY Return nvmlDeviceGetUtilizationRates(Device device, FakeUtilizat
     return success;
 }
 
+// Only MIG partitions have attributes: a whole GPU is "not supported".
 FAKE_NVML_ATTRIBUTES Return nvmlDeviceGetAttributes_v2(Device device, FakeDeviceAttributes* attributes)
 {
     ++callCount;
+    if (oneGpu) {
+        return errorNotSupported;
+    }
     if (device == &devices[1]) {
         return errorUnknown;
     }
     attributes->multiprocessorCount = 0;
+    return success;
+}
+
+// An H100: 132 multiprocessors of 128 cores, compute capability 9.0.
+FAKE_NVML_CORES Return nvmlDeviceGetNumGpuCores(Device /*device*/, unsigned int* cores)
+{
+    ++callCount;
+    *cores = 16896;
+    return success;
+}
+
+FAKE_NVML_CORES Return nvmlDeviceGetCudaComputeCapability(Device /*device*/, int* major, int* minor)
+{
+    ++callCount;
+    *major = 9;
+    *minor = 0;
     return success;
 }
 }

@@ -24,11 +24,12 @@ const std::map<std::string, Expected> variants{
     {"queries-fail", {std::nullopt, std::nullopt, true}},
     {"devices-fail", {std::nullopt, std::nullopt, true}},
     {"no-attributes", {37.0, std::nullopt, true}},
+    {"one-gpu", {5.0, 132, true}},
 };
 
 // CTest runs this once per variant, with LD_LIBRARY_PATH pointing at that variant's libnvidia-ml.so.1 and
 // VANTREL_FAKE_NVML naming it.
-TEST(NvmlFaults, ADriverLibraryThatMisbehavesGivesNoGpuFigureAndNoCrash)
+TEST(NvmlFaults, EachDriverLibraryGivesWhatItCanAndNoCrash)
 {
     const char* variant = std::getenv("VANTREL_FAKE_NVML");
     ASSERT_NE(variant, nullptr) << "run through CTest, which points the loader at a fake library";

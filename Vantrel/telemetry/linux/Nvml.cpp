@@ -1,5 +1,6 @@
 #include "Vantrel/telemetry/linux/Nvml.h"
 
+#include <array>
 #include <dlfcn.h>
 #include <utility>
 
@@ -26,6 +27,21 @@ struct DeviceAttributes {
     unsigned long long memorySizeMB;
 };
 
+struct CoresPerMultiprocessor {
+    int major;
+    int minor;
+    std::uint64_t cores;
+};
+
+// Cores per multiprocessor of each compute capability: its 32-bit floating-point results per clock in the
+// throughput table of NVIDIA's CUDA C++ Programming Guide.
+constexpr std::array<CoresPerMultiprocessor, 24> coresPerMultiprocessor{{
+    {3, 0, 192},  {3, 2, 192},  {3, 5, 192},  {3, 7, 192},  {5, 0, 128},  {5, 2, 128},
+    {5, 3, 128},  {6, 0, 64},   {6, 1, 128},  {6, 2, 128},  {7, 0, 64},   {7, 2, 64},
+    {7, 5, 64},   {8, 0, 64},   {8, 6, 128},  {8, 7, 128},  {8, 9, 128},  {9, 0, 128},
+    {10, 0, 128}, {10, 1, 128}, {10, 3, 128}, {11, 0, 128}, {12, 0, 128}, {12, 1, 128},
+}};
+
 template <typename Function> Function* symbol(void* library, const char* name)
 {
     return reinterpret_cast<Function*>(::dlsym(library, name));
@@ -38,7 +54,10 @@ struct Nvml::Api {
     Return (*deviceCount)(unsigned int*) = nullptr;
     Return (*deviceByIndex)(unsigned int, Device*) = nullptr;
     Return (*utilization)(Device, Utilization*) = nullptr;
-    Return (*attributes)(Device, DeviceAttributes*) = nullptr; // optional: older drivers lack it
+    // Optional: older drivers lack them.
+    Return (*attributes)(Device, DeviceAttributes*) = nullptr;
+    Return (*cores)(Device, unsigned int*) = nullptr;
+    Return (*computeCapability)(Device, int*, int*) = nullptr;
 };
 
 std::unique_ptr<Nvml> Nvml::load()
@@ -53,6 +72,9 @@ std::unique_ptr<Nvml> Nvml::load()
     api->deviceByIndex = symbol<Return(unsigned int, Device*)>(library, "nvmlDeviceGetHandleByIndex_v2");
     api->utilization = symbol<Return(Device, Utilization*)>(library, "nvmlDeviceGetUtilizationRates");
     api->attributes = symbol<Return(Device, DeviceAttributes*)>(library, "nvmlDeviceGetAttributes_v2");
+    api->cores = symbol<Return(Device, unsigned int*)>(library, "nvmlDeviceGetNumGpuCores");
+    api->computeCapability =
+        symbol<Return(Device, int*, int*)>(library, "nvmlDeviceGetCudaComputeCapability");
     if (init == nullptr || api->shutdown == nullptr || api->deviceCount == nullptr ||
         api->deviceByIndex == nullptr || api->utilization == nullptr || init() != success) {
         ::dlclose(library);
@@ -99,14 +121,39 @@ std::vector<double> Nvml::utilisations() const
 std::vector<std::int64_t> Nvml::multiprocessorCounts() const
 {
     std::vector<std::int64_t> counts;
-    if (api->attributes == nullptr)
-        return counts;
     for (Device device : devices()) {
-        DeviceAttributes attributes{};
-        if (api->attributes(device, &attributes) == success)
-            counts.push_back(attributes.multiprocessorCount);
+        if (const auto count = multiprocessorsOf(device))
+            counts.push_back(*count);
     }
     return counts;
+}
+
+std::optional<std::int64_t> Nvml::multiprocessorsOf(Device device) const
+{
+    // A MIG partition reports its multiprocessors; a whole GPU answers "not supported" and is counted by its
+    // cores instead.
+    DeviceAttributes attributes{};
+    if (api->attributes != nullptr && api->attributes(device, &attributes) == success)
+        return attributes.multiprocessorCount;
+    unsigned int cores = 0;
+    int major = 0;
+    int minor = 0;
+    if (api->cores == nullptr || api->computeCapability == nullptr || api->cores(device, &cores) != success ||
+        api->computeCapability(device, &major, &minor) != success)
+        return std::nullopt;
+    return multiprocessorsFromCores(cores, major, minor);
+}
+
+std::optional<std::int64_t> multiprocessorsFromCores(std::uint64_t cores, int major, int minor)
+{
+    for (const auto& capability : coresPerMultiprocessor) {
+        if (capability.major == major && capability.minor == minor) {
+            if (cores == 0 || cores % capability.cores != 0)
+                return std::nullopt;
+            return static_cast<std::int64_t>(cores / capability.cores);
+        }
+    }
+    return std::nullopt;
 }
 
 } // namespace vantrel::linux_source
