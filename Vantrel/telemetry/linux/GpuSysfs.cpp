@@ -4,28 +4,35 @@
 #include "Vantrel/telemetry/linux/TextFields.h"
 
 #include <algorithm>
+#include <dirent.h>
 #include <limits>
+#include <memory>
 #include <optional>
 #include <string_view>
-#include <system_error>
 #include <utility>
 
 namespace vantrel::linux_source {
 namespace {
 
-// Entries named prefix + a number, sorted by that number.
-std::vector<std::pair<std::uint64_t, std::filesystem::path>> numberedEntries(const std::filesystem::path& dir,
-                                                                             std::string_view prefix)
+struct DirectoryCloser {
+    void operator()(DIR* directory) const { ::closedir(directory); }
+};
+
+// Paths of the entries named prefix + a number, sorted by that number. Plain POSIX rather than
+// std::filesystem: this runs on every tick, and a missing directory should cost one failed open.
+std::vector<std::pair<std::uint64_t, std::string>> numberedEntries(const std::string& directory,
+                                                                   std::string_view prefix)
 {
-    std::vector<std::pair<std::uint64_t, std::filesystem::path>> entries;
-    std::error_code error;
-    std::filesystem::directory_iterator it(dir, error);
-    for (; !error && it != std::filesystem::directory_iterator(); it.increment(error)) {
-        const std::string name = it->path().filename().string();
+    std::vector<std::pair<std::uint64_t, std::string>> entries;
+    const std::unique_ptr<DIR, DirectoryCloser> listing(::opendir(directory.c_str()));
+    if (!listing)
+        return entries;
+    while (const dirent* entry = ::readdir(listing.get())) {
+        const std::string_view name(entry->d_name);
         if (!name.starts_with(prefix))
             continue;
-        if (const auto number = parseDecimal(std::string_view(name).substr(prefix.size())))
-            entries.emplace_back(*number, it->path());
+        if (const auto number = parseDecimal(name.substr(prefix.size())))
+            entries.emplace_back(*number, directory + '/' + std::string(name));
     }
     std::sort(entries.begin(), entries.end());
     return entries;
@@ -44,11 +51,11 @@ std::optional<std::uint64_t> propertyValue(std::string_view properties, std::str
 
 } // namespace
 
-std::vector<double> drmBusyPercents(const std::filesystem::path& root)
+std::vector<double> drmBusyPercents(const std::string& drmClassDirectory)
 {
     std::vector<double> percents;
-    for (const auto& [number, card] : numberedEntries(root / "sys/class/drm", "card")) {
-        const auto text = readWholeFile((card / "device/gpu_busy_percent").string());
+    for (const auto& [number, card] : numberedEntries(drmClassDirectory, "card")) {
+        const auto text = readWholeFile(card + "/device/gpu_busy_percent");
         if (!text)
             continue;
         FieldReader fields(*text);
@@ -58,11 +65,11 @@ std::vector<double> drmBusyPercents(const std::filesystem::path& root)
     return percents;
 }
 
-std::vector<std::int64_t> amdComputeUnits(const std::filesystem::path& root)
+std::vector<std::int64_t> amdComputeUnits(const std::string& topologyNodesDirectory)
 {
     std::vector<std::int64_t> units;
-    for (const auto& [number, node] : numberedEntries(root / "sys/class/kfd/kfd/topology/nodes", "")) {
-        const auto properties = readWholeFile((node / "properties").string());
+    for (const auto& [number, node] : numberedEntries(topologyNodesDirectory, "")) {
+        const auto properties = readWholeFile(node + "/properties");
         if (!properties)
             continue;
         const auto simds = propertyValue(*properties, "simd_count");

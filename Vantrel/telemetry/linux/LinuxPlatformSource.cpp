@@ -75,13 +75,16 @@ struct PlatformSource::State {
     KernelFile meminfo;
     KernelFile route;
     KernelFile route6;
+    std::string drmClass;
+    std::string topologyNodes;
     std::optional<InterfaceFiles> interface;
     std::unique_ptr<linux_source::Nvml> nvml;
 
     explicit State(PlatformOptions options)
         : root(std::move(options.root)), uptime(std::move(options.uptime)), stat(under(root, "proc/stat")),
           meminfo(under(root, "proc/meminfo")), route(under(root, "proc/net/route")),
-          route6(under(root, "proc/net/ipv6_route"))
+          route6(under(root, "proc/net/ipv6_route")), drmClass(under(root, "sys/class/drm")),
+          topologyNodes(under(root, "sys/class/kfd/kfd/topology/nodes"))
     {
         if (!uptime)
             uptime = monotonicSeconds;
@@ -127,7 +130,7 @@ std::vector<double> PlatformSource::gpuUtilisations()
     std::vector<double> percents;
     if (state->nvml)
         percents = state->nvml->utilisations();
-    for (const double percent : linux_source::drmBusyPercents(state->root))
+    for (const double percent : linux_source::drmBusyPercents(state->drmClass))
         percents.push_back(percent);
     return percents;
 }
@@ -137,7 +140,7 @@ std::vector<std::int64_t> PlatformSource::gpuCoreCounts()
     std::vector<std::int64_t> counts;
     if (state->nvml)
         counts = state->nvml->multiprocessorCounts();
-    for (const std::int64_t units : linux_source::amdComputeUnits(state->root))
+    for (const std::int64_t units : linux_source::amdComputeUnits(state->topologyNodes))
         counts.push_back(units);
     return counts;
 }
