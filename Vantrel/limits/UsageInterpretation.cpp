@@ -7,6 +7,7 @@
 #include <nlohmann/json.hpp>
 
 #include <chrono>
+#include <mutex>
 #include <span>
 
 namespace vantrel::limits {
@@ -148,9 +149,13 @@ UsageContext currentUsageContext()
 
 void warmUpInterpretation()
 {
-    const UsageContext context = currentUsageContext();
-    formatInstant(context.now, resetPattern, resetLocale, context.timeZone);
-    formatInstant(context.now, statusPattern, context.statusLocale, context.timeZone);
+    // ICU keeps the data it loaded for the whole process, so only the first call has anything to do.
+    static std::once_flag warmed;
+    std::call_once(warmed, [] {
+        const UsageContext context = currentUsageContext();
+        formatInstant(context.now, resetPattern, resetLocale, context.timeZone);
+        formatInstant(context.now, statusPattern, context.statusLocale, context.timeZone);
+    });
 }
 
 UsagePresentation interpretUsage(const nlohmann::json& document, const UsageContext& context)

@@ -45,8 +45,8 @@ struct UsageContext {
 // The system clock, the system's current time zone and the user's locale.
 UsageContext currentUsageContext();
 
-// Loads the locale and time-zone data that interpretUsage formats with. The first load takes several
-// milliseconds; done on the fetch's background thread, it spares the main thread that wait.
+// Loads the locale and time-zone data that interpretUsage formats with, once per process. The load takes
+// several milliseconds; done on the first fetch's background thread, it spares the main thread that wait.
 void warmUpInterpretation();
 
 // Every missing or mistyped key takes its fallback; the one fatal case is a "windowDurationMins" whose
