@@ -1,9 +1,12 @@
 """Vantrel's CPU time and memory while it runs, beside conky showing the same figures, a minimal Qt
-Widgets window and the sampling alone, all measured in the same minute on private Xvfb desktops:
+Widgets window, a Qt event loop waking every 2 s and the sampling alone, all measured in the same minute on
+private Xvfb desktops:
 
 - Vantrel with its panel shown (Codex in front), on one desktop with conky and the minimal Qt window;
 - Vantrel with its panel hidden (another application in front), on a second desktop;
-- sampling_loop (built beside minimal_qt_window): the same readings every 2 s and nothing else.
+- qt_timer_floor (built beside minimal_qt_window): a Qt Widgets program whose 2-s timer does nothing, the
+  floor of the hidden panel's event loop;
+- sampling_loop (built beside it too): the same readings every 2 s and nothing else.
 
 CPU is the time the process's threads spent on a CPU, those that ended during the minute included (the
 limits script, a child, is not), as ms per minute after a warm-up; RSS is the resident memory at the end.
@@ -113,12 +116,15 @@ def main(executable, minimal_window, seconds=60.0):
         wait_for(vantrel_shown.panel_shown, "the shown panel")
         conky = shown_desktop.spawn("conky", ["conky", "-c", str(conky_config(folder))])
         qt_window = shown_desktop.spawn("minimal", [minimal_window])
-        sampling = hidden_desktop.spawn("sampling", [str(pathlib.Path(minimal_window).parent / "sampling_loop")])
+        built = pathlib.Path(minimal_window).parent
+        timer_floor = hidden_desktop.spawn("timer floor", [str(built / "qt_timer_floor")])
+        sampling = hidden_desktop.spawn("sampling", [str(built / "sampling_loop")])
         measured = {
             "vantrel, panel shown": vantrel_shown.process.pid,
             "vantrel, panel hidden": vantrel_hidden.process.pid,
             "conky (same figures, 2 s)": conky.pid,
             "minimal Qt Widgets window": qt_window.pid,
+            "Qt event loop, idle 2 s timer": timer_floor.pid,
             "sampling alone (every 2 s)": sampling.pid,
         }
         time.sleep(WARM_UP)
@@ -137,6 +143,9 @@ def main(executable, minimal_window, seconds=60.0):
             to_sampling = per_minute[name] / sampling_cpu if sampling_cpu > 0 else float("inf")
             print(f"{name:32} {per_minute[name]:10.1f} {ratio:8.2f}x {to_sampling:11.2f}x {rss[name]:8.1f} "
                   f"{rss[name] - floor_rss:+11.1f}")
+        beyond = per_minute["vantrel, panel hidden"] - per_minute["Qt event loop, idle 2 s timer"] - sampling_cpu
+        print(f"hidden panel beyond its event loop's floor and the sampling: {beyond:.1f} ms/min "
+              "(the limits runs and the panel's own work)")
     finally:
         for vantrel in programs:
             vantrel.stop()
