@@ -57,6 +57,7 @@ def cpu_seconds_during(pids, seconds, interval=0.05):
             latest[pid].update(thread_cpu_seconds(pid))
     return {pid: sum(latest[pid].values()) - sum(start[pid].values()) for pid in pids}
 
+
 def rss_megabytes(pid):
     for line in pathlib.Path(f"/proc/{pid}/status").read_text().splitlines():
         if line.startswith("VmRSS:"):

@@ -8,9 +8,7 @@
 #include <nlohmann/json.hpp>
 
 #include "bench/RatioReporter.h"
-#include <cstdio>
 #include <fstream>
-#include <map>
 #include <sstream>
 #include <string>
 

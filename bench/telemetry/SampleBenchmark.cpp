@@ -7,10 +7,8 @@
 
 #include "bench/RatioReporter.h"
 #include <array>
-#include <cstdio>
 #include <fcntl.h>
 #include <filesystem>
-#include <map>
 #include <string>
 #include <unistd.h>
 #include <vector>

@@ -14,9 +14,6 @@
 #include <benchmark/benchmark.h>
 
 #include "bench/RatioReporter.h"
-#include <cstdio>
-#include <map>
-#include <string>
 
 namespace {
 
