@@ -129,9 +129,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const json* bucket = shownBucket(*document);
     if (stopsTheProgram(bucket))
         return 0;
-    static const std::array<UsageContext, 3> contexts{UsageContext{1752575400.25, "Europe/Prague", "cs_CZ"},
-                                                      UsageContext{0, "America/St_Johns", "en_US"},
-                                                      UsageContext{-1e12, "Etc/GMT-14", "ar_EG"}};
+    static const std::array<UsageContext, 3> contexts{
+        UsageContext{1752575400.25, "Europe/Prague", "cs_CZ", "počítač"},
+        UsageContext{0, "America/St_Johns", "en_US", "Mac"}, UsageContext{-1e12, "Etc/GMT-14", "ar_EG", ""}};
     for (const UsageContext& context : contexts)
         checkPresentation(vantrel::limits::interpretUsage(*document, context), bucket);
     return 0;

@@ -4,7 +4,7 @@
 set -euo pipefail
 
 build=(cmake ninja-build g++ pkg-config python3
-       qt6-base-dev libgl-dev libxcb1-dev libicu-dev nlohmann-json3-dev)
+       qt6-base-dev libgl-dev libxcb1-dev libglib2.0-dev libicu-dev nlohmann-json3-dev)
 run=(fonts-dejavu-core fonts-cantarell)
 test=(libgtest-dev libgmock-dev libbenchmark-dev clang-14 libclang-rt-14-dev
       xvfb xauth x11-utils x11-xserver-utils openbox trayer xdotool xcompmgr

@@ -39,7 +39,8 @@ AppDelegate::AppDelegate(AppServices services, QObject* parent)
       gpu(makeRow("GPU", false, ui::Palette::gpu())), network(makeRow("Síť", false, ui::Palette::network())),
       updated(std::make_unique<ElidingLabel>(QString::fromUtf8("Limity: načítání…"))),
       creditLabel(std::make_unique<QLabel>(QString::fromUtf8("Tokeny: API neposkytuje"))),
-      services_(std::move(services)), mainThread_(std::make_shared<MainThreadQueue>(this))
+      services_(std::move(services)), frontmost_(services_.identification),
+      mainThread_(std::make_shared<MainThreadQueue>(this))
 {}
 
 AppDelegate::~AppDelegate()

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Vantrel/app/AppServices.h"
+#include "Vantrel/app/FrontmostIdentifier.h"
 #include "Vantrel/limits/ScriptProcess.h"
 #include "Vantrel/telemetry/SampleRecord.h"
 #include "Vantrel/telemetry/SystemSampler.h"
@@ -109,11 +110,13 @@ public:
     std::optional<limits::ScriptProcess> usageProcess;
 
 private:
+    void applyVisibility();
     void orderFrontRegardless();
     void showHeldSample();
     void watchScreen(const QScreen* screen);
 
     AppServices services_;
+    FrontmostIdentifier frontmost_;
     std::shared_ptr<MainThreadQueue> mainThread_;
     std::optional<SampleRecord> heldSample_; // the newest tick's record while the panel is hidden
 };

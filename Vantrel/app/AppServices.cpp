@@ -1,5 +1,7 @@
 #include "Vantrel/app/AppServices.h"
 
+#include "Vantrel/app/Platform.h"
+#include "Vantrel/app/PlatformWording.h"
 #include "Vantrel/limits/LimitsScript.h"
 
 #include <chrono>
@@ -24,10 +26,11 @@ double secondsSinceEpoch()
 AppServices productionServices(Desktop& desktop)
 {
     return {&desktop,
+            platform::identificationSources(),
             PlatformOptions{},
             onlineProcessorCount,
             [] { return limits::resourceDirectory(); },
-            limits::currentUsageContext,
+            [] { return limits::currentUsageContext(platformWording.machineName); },
             secondsSinceEpoch};
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Vantrel/app/FrontmostIdentifier.h"
 #include "Vantrel/limits/UsageInterpretation.h"
 #include "Vantrel/telemetry/PlatformSource.h"
 
@@ -10,10 +11,12 @@ namespace vantrel {
 
 class Desktop;
 
-// What the delegate takes from its surroundings: the desktop, the sources of the figures, the limits
-// script's location and the clock. The program uses the real ones; tests put in their own.
+// What the delegate takes from its surroundings: the desktop and how it names applications, the sources
+// of the figures, the limits script's location and the clock. The program uses the real ones; tests put in
+// their own.
 struct AppServices {
     Desktop* desktop = nullptr;
+    IdentificationSources identification;
     PlatformOptions telemetry;
     std::function<int()> activeProcessorCount;
     // Where vantrel.py lies; asked afresh for every limits run.

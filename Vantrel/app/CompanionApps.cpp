@@ -9,7 +9,7 @@ bool isCompanionName(std::string_view name)
     return std::find(companionAppNames.begin(), companionAppNames.end(), name) != companionAppNames.end();
 }
 
-bool isCompanion(const std::optional<FrontmostWindow>& frontmost)
+bool isCompanion(const std::optional<FrontmostApplication>& frontmost)
 {
     if (!frontmost) {
         return false;
@@ -17,7 +17,13 @@ bool isCompanion(const std::optional<FrontmostWindow>& frontmost)
     if (frontmost->ownProcess) {
         return isCompanionName(ownAppName);
     }
-    return isCompanionName(frontmost->windowClass) || isCompanionName(frontmost->processName);
+    if (frontmost->runsCodexCli) {
+        return isCompanionName(codexAppName);
+    }
+    if (frontmost->name) {
+        return isCompanionName(*frontmost->name);
+    }
+    return isCompanionName(frontmost->appId) || isCompanionName(frontmost->processName);
 }
 
 } // namespace vantrel

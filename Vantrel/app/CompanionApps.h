@@ -12,22 +12,29 @@ namespace vantrel {
 inline constexpr std::array<std::string_view, 4> companionAppNames{"Codex", "ChatGPT", "Vantrel",
                                                                    "Vantrel Solvane"};
 
-// What the desktop tells about the window in front. X11 has no single "application name": a window
-// carries a class (WM_CLASS) and belongs to a process, and either may be the name the user knows (an
-// Electron application's class is often just "Electron").
-struct FrontmostWindow {
-    std::string windowClass;
-    std::string processName;
-    bool ownProcess = false; // a window of this very program
-};
-
-// The name under which a window of this program counts.
+// The name under which a window of this program counts, and the one under which a window running the
+// Codex command-line program counts.
 inline constexpr std::string_view ownAppName = "Vantrel";
+inline constexpr std::string_view codexAppName = "Codex";
+
+// The application behind the window in front, as far as it could be identified.
+struct FrontmostApplication {
+    // The name users see: its desktop entry's Name in their language, or the desktop's own name for it.
+    std::optional<std::string> name;
+    // Only where no name is known: the app_id or window class, and the name of the window's process.
+    std::string appId;
+    std::string processName;
+    bool ownProcess = false;
+    bool runsCodexCli = false; // the window's process has a descendant running the Codex CLI
+
+    friend bool operator==(const FrontmostApplication&, const FrontmostApplication&) = default;
+};
 
 bool isCompanionName(std::string_view name);
 
-// Whether the window in front belongs to a companion application: its class or its process name is one of
-// the names, or it is one of our own windows. No window in front is never a companion.
-bool isCompanion(const std::optional<FrontmostWindow>& frontmost);
+// Whether the application in front is a companion: one of our own windows, a window running the Codex
+// CLI, or an application whose name is listed. Without a known name its app_id or class and its process
+// name stand in. No window in front is never a companion.
+bool isCompanion(const std::optional<FrontmostApplication>& frontmost);
 
 } // namespace vantrel

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Vantrel/app/CompanionApps.h"
+#include "Vantrel/app/FrontmostWindow.h"
 
 #include <QObject>
 
@@ -12,7 +12,7 @@ namespace vantrel {
 
 // What the application needs from the desktop beyond Qt: the window in front and news of its change,
 // whether a compositor blends translucent windows, and a panel that stays on every workspace. One
-// implementation talks to the X server; tests use their own.
+// implementation per kind of desktop; tests use their own.
 class Desktop : public QObject {
     Q_OBJECT
 

@@ -3,6 +3,7 @@
 #include "Vantrel/app/ElidingLabel.h"
 #include "Vantrel/app/OverlayPanel.h"
 #include "Vantrel/app/PanelGeometry.h"
+#include "Vantrel/app/PlatformWording.h"
 #include "Vantrel/ui/Fonts.h"
 #include "Vantrel/ui/Layout.h"
 #include "Vantrel/ui/MeterRow.h"
@@ -13,6 +14,8 @@
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QVBoxLayout>
+
+#include <string_view>
 
 namespace vantrel {
 namespace {
@@ -36,7 +39,7 @@ constexpr auto slimScroller =
     "QScrollBar::add-line:vertical, QScrollBar::sub-line:vertical { height: 0; }"
     "QScrollBar::add-page:vertical, QScrollBar::sub-page:vertical { background: none; }";
 
-QLabel* makeLabel(const char* text, int pixelSize, QFont::Weight weight, const QColor* colour = nullptr)
+QLabel* makeLabel(std::string_view text, int pixelSize, QFont::Weight weight, const QColor* colour = nullptr)
 {
     auto* label = new QLabel(QString::fromUtf8(text));
     label->setFont(ui::systemFont(pixelSize, weight));
@@ -89,8 +92,8 @@ void AppDelegate::createPanel()
     ui::buildCoreGrid(cpuDetail, services_.activeProcessorCount(), ui::Palette::cpu(), cpuRows);
     const auto gpuCores = sampler.gpuCoreCount();
     ui::buildCoreGrid(gpuDetail, gpuCores ? static_cast<int>(*gpuCores) : 0, ui::Palette::gpu(), gpuRows);
-    auto* gpuNote = makeLabel("macOS neposkytuje vytížení jednotlivých GPU jader. — = nedostupné.", 9,
-                              QFont::Normal, &ui::SystemColor::secondaryLabel());
+    auto* gpuNote =
+        makeLabel(platformWording.gpuPerCoreNote, 9, QFont::Normal, &ui::SystemColor::secondaryLabel());
     gpuNote->setWordWrap(true);
     gpuDetail->addArrangedView(gpuNote);
 

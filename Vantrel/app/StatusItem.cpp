@@ -1,6 +1,7 @@
 #include "Vantrel/app/StatusItem.h"
 
 #include "Vantrel/app/GaugeIcon.h"
+#include "Vantrel/app/PlatformWording.h"
 
 #include <QCursor>
 
@@ -8,7 +9,7 @@ namespace vantrel {
 
 StatusItem::StatusItem(QObject* parent) : QSystemTrayIcon(gaugeIcon(), parent)
 {
-    setToolTip(QString::fromUtf8(toolTipText));
+    setToolTip(QString::fromUtf8(platformWording.statusItemToolTip));
     setContextMenu(&menu_);
     connect(this, &QSystemTrayIcon::activated, this, [this](ActivationReason reason) {
         if (reason == Trigger) {

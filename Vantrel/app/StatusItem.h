@@ -11,8 +11,6 @@ class StatusItem : public QSystemTrayIcon {
     Q_OBJECT
 
 public:
-    static constexpr auto toolTipText = "Vantrel Solvane · limity a výkon Macu";
-
     explicit StatusItem(QObject* parent = nullptr);
 
     QMenu& menu() { return menu_; }

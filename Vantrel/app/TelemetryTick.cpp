@@ -13,6 +13,10 @@ namespace vantrel {
 
 void AppDelegate::sample()
 {
+    // A terminal in front starts and ends programs in its tabs without any window changing.
+    if (frontmost_.recheckTerminal()) {
+        applyVisibility();
+    }
     SampleRecord record = sampler.sample();
     // A hidden panel is not drawn, yet figures put on its views would still cost text layout and
     // accessibility events every tick: the newest record waits for the panel to show instead.

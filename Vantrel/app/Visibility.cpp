@@ -80,7 +80,13 @@ void layOutSubtree(QWidget& top)
 
 void AppDelegate::focusChanged()
 {
-    if (!pinnedEverywhere && !isCompanion(services_.desktop->frontmostWindow())) {
+    frontmost_.identify(services_.desktop->frontmostWindow());
+    applyVisibility();
+}
+
+void AppDelegate::applyVisibility()
+{
+    if (!pinnedEverywhere && !isCompanion(frontmost_.current())) {
         built(panel.get()).hide();
         return;
     }

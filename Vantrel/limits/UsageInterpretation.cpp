@@ -141,10 +141,10 @@ UsagePresentation presentNoBuckets()
 
 } // namespace
 
-UsageContext currentUsageContext()
+UsageContext currentUsageContext(std::string_view machineName)
 {
     const std::chrono::duration<double> sinceEpoch = std::chrono::system_clock::now().time_since_epoch();
-    return {sinceEpoch.count(), systemTimeZoneId(), userLocaleId()};
+    return {sinceEpoch.count(), systemTimeZoneId(), userLocaleId(), std::string(machineName)};
 }
 
 void warmUpInterpretation()
@@ -152,7 +152,7 @@ void warmUpInterpretation()
     // ICU keeps the data it loaded for the whole process, so only the first call has anything to do.
     static std::once_flag warmed;
     std::call_once(warmed, [] {
-        const UsageContext context = currentUsageContext();
+        const UsageContext context = currentUsageContext({});
         formatInstant(context.now, resetPattern, resetLocale, context.timeZone);
         formatInstant(context.now, statusPattern, context.statusLocale, context.timeZone);
     });
@@ -180,7 +180,7 @@ UsagePresentation interpretUsage(const nlohmann::json& document, const UsageCont
     } else {
         presentation.statusText =
             "Limity " + formatInstant(observedAt, statusPattern, context.statusLocale, context.timeZone) +
-            " · Mac každé 2 s";
+            " · " + context.machineName + " každé 2 s";
         presentation.statusColour = StatusColour::Secondary;
     }
     return presentation;

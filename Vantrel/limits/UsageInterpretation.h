@@ -4,6 +4,7 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 
 // Turns one limits document into what the panel shows about the Codex account. Pure: the clock, the
 // time zone and the locale come in through UsageContext, so every outcome can be pinned in a test.
@@ -40,10 +41,11 @@ struct UsageContext {
     double now = 0;       // seconds since 1970-01-01 00:00 UTC, used when the document has no "observedAt"
     std::string timeZone; // zone id ("Europe/Prague") for the reset times and the status time
     std::string statusLocale; // ICU locale id ("cs_CZ", "en_US") for the "HH:mm" status time
+    std::string machineName;  // what the status line calls the machine ("počítač", "Mac")
 };
 
 // The system clock, the system's current time zone and the user's locale.
-UsageContext currentUsageContext();
+UsageContext currentUsageContext(std::string_view machineName);
 
 // Loads the locale and time-zone data that interpretUsage formats with, once per process. The load takes
 // several milliseconds; done on the first fetch's background thread, it spares the main thread that wait.

@@ -120,7 +120,8 @@ Round fetchRound(StallMeter& meter, const std::vector<std::string>& command)
             [&round, result = std::move(result)]() mutable {
                 const Clock::time_point start = Clock::now();
                 if (result) {
-                    round.applied = !interpretUsage(*result, currentUsageContext()).statusText.empty();
+                    round.applied =
+                        !interpretUsage(*result, currentUsageContext("počítač")).statusText.empty();
                 }
                 result.reset();
                 round.resultBlock = Milliseconds(Clock::now() - start).count();

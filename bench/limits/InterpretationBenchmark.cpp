@@ -30,7 +30,7 @@ const std::string& typicalText()
 void BM_Interpret_Typical(benchmark::State& state)
 {
     const nlohmann::json document = nlohmann::json::parse(typicalText());
-    const UsageContext context{1752575400, "Europe/Prague", "cs_CZ"};
+    const UsageContext context{1752575400, "Europe/Prague", "cs_CZ", "počítač"};
     for ([[maybe_unused]] auto _ : state) {
         benchmark::DoNotOptimize(interpretUsage(document, context));
     }
@@ -42,7 +42,7 @@ void BM_InterpretWithCurrentContext_Typical(benchmark::State& state)
 {
     const nlohmann::json document = nlohmann::json::parse(typicalText());
     for ([[maybe_unused]] auto _ : state) {
-        benchmark::DoNotOptimize(interpretUsage(document, currentUsageContext()));
+        benchmark::DoNotOptimize(interpretUsage(document, currentUsageContext("počítač")));
     }
 }
 BENCHMARK(BM_InterpretWithCurrentContext_Typical);

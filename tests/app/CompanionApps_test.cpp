@@ -36,31 +36,71 @@ TEST(CompanionNames, AreTheFourNamesInOrder)
     EXPECT_EQ(companionAppNames[3], "Vantrel Solvane");
 }
 
-struct WindowCase {
+FrontmostApplication named(const char* name)
+{
+    FrontmostApplication application;
+    application.name = name;
+    return application;
+}
+
+FrontmostApplication unnamed(const char* appId, const char* processName)
+{
+    FrontmostApplication application;
+    application.appId = appId;
+    application.processName = processName;
+    return application;
+}
+
+FrontmostApplication withFlags(FrontmostApplication application, bool ownProcess, bool runsCodexCli)
+{
+    application.ownProcess = ownProcess;
+    application.runsCodexCli = runsCodexCli;
+    return application;
+}
+
+struct ApplicationCase {
     const char* description;
-    FrontmostWindow window;
+    FrontmostApplication application;
     bool companion;
 };
 
-class CompanionWindowTest : public testing::TestWithParam<WindowCase> {};
+class CompanionApplicationTest : public testing::TestWithParam<ApplicationCase> {};
 
-TEST_P(CompanionWindowTest, LooksAtTheClassAndTheProcessName)
+TEST_P(CompanionApplicationTest, ComparesTheNameUsersSeeOrElseTheClassAndProcess)
 {
-    EXPECT_EQ(isCompanion(GetParam().window), GetParam().companion) << GetParam().description;
+    EXPECT_EQ(isCompanion(GetParam().application), GetParam().companion) << GetParam().description;
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    Windows, CompanionWindowTest,
-    testing::Values(WindowCase{"class Codex", {"Codex", "codex-desktop", false}, true},
-                    WindowCase{"Electron class, process Codex", {"Electron", "Codex", false}, true},
-                    WindowCase{"class ChatGPT", {"ChatGPT", "", false}, true},
-                    WindowCase{"lower-case class and process", {"codex", "codex", false}, false},
-                    WindowCase{"words added", {"Codex Beta", "Codex Beta", false}, false},
-                    WindowCase{"a terminal", {"XTerm", "xterm", false}, false},
-                    WindowCase{"nothing known", {"", "", false}, false},
-                    WindowCase{"a window of this program", {"whatever", "vantrel", true}, true}));
+    Applications, CompanionApplicationTest,
+    testing::Values(
+        ApplicationCase{"entry named Codex", named("Codex"), true},
+        ApplicationCase{"entry named ChatGPT", named("ChatGPT"), true},
+        ApplicationCase{"entry named Vantrel Solvane", named("Vantrel Solvane"), true},
+        ApplicationCase{"entry name in other letter case", named("codex"), false},
+        ApplicationCase{"entry name with words added", named("Codex Beta"), false},
+        ApplicationCase{"an entry's name wins over a listed class",
+                        [] {
+                            FrontmostApplication application = named("Terminál");
+                            application.appId = "Codex";
+                            application.processName = "Codex";
+                            return application;
+                        }(),
+                        false},
+        ApplicationCase{"no entry: class Codex", unnamed("Codex", "codex-desktop"), true},
+        ApplicationCase{"no entry: Electron class, process Codex", unnamed("Electron", "Codex"), true},
+        ApplicationCase{"no entry: class ChatGPT", unnamed("ChatGPT", ""), true},
+        ApplicationCase{"no entry: lower-case class and process", unnamed("codex", "codex"), false},
+        ApplicationCase{"no entry: words added", unnamed("Codex Beta", "Codex Beta"), false},
+        ApplicationCase{"no entry: a terminal", unnamed("XTerm", "xterm"), false},
+        ApplicationCase{"nothing known", unnamed("", ""), false},
+        ApplicationCase{"a window of this program", withFlags(unnamed("whatever", "vantrel"), true, false),
+                        true},
+        ApplicationCase{"a terminal running the Codex CLI", withFlags(named("Terminál"), false, true), true},
+        ApplicationCase{"an unnamed terminal running the Codex CLI",
+                        withFlags(unnamed("XTerm", "xterm"), false, true), true}));
 
-TEST(CompanionWindow, NoWindowInFrontIsNoCompanion)
+TEST(CompanionApplication, NoWindowInFrontIsNoCompanion)
 {
     EXPECT_FALSE(isCompanion(std::nullopt));
 }

@@ -19,7 +19,16 @@ void FakeDesktop::switchTo(std::optional<FrontmostWindow> window)
 
 FrontmostWindow windowOfClass(const char* windowClass)
 {
-    return {windowClass, "", false};
+    FrontmostWindow window;
+    window.appId = windowClass;
+    return window;
+}
+
+FrontmostWindow windowOfProcess(const char* windowClass, std::int64_t pid)
+{
+    FrontmostWindow window = windowOfClass(windowClass);
+    window.pid = pid;
+    return window;
 }
 
 bool waitUntil(const std::function<bool()>& condition)
@@ -60,11 +69,20 @@ AppServices DelegateFixture::services()
 {
     AppServices result;
     result.desktop = &desktop;
+    result.identification.entryName = [this](const FrontmostWindow& window) -> std::optional<std::string> {
+        const auto found = entryNames.find(window.appId);
+        return found == entryNames.end() ? std::nullopt : std::optional(found->second);
+    };
+    result.identification.inspectProcesses = [this](std::int64_t pid) {
+        ++processInspections;
+        const auto found = processes.find(pid);
+        return found == processes.end() ? ProcessFindings{} : found->second;
+    };
     result.telemetry.root = telemetryRoot;
     result.telemetry.loadGpuDriverLibraries = false;
     result.activeProcessorCount = [this] { return processors; };
     result.resourceDirectory = [this] { return std::filesystem::path(resources.path().toStdString()); };
-    result.usageContext = [this] { return limits::UsageContext{now, "UTC", "cs_CZ"}; };
+    result.usageContext = [this] { return limits::UsageContext{now, "UTC", "cs_CZ", "počítač"}; };
     result.now = [this] { return now; };
     return result;
 }

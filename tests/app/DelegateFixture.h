@@ -9,7 +9,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -36,14 +38,17 @@ public:
 };
 
 FrontmostWindow windowOfClass(const char* windowClass);
+// A window of this class whose process has this id.
+FrontmostWindow windowOfProcess(const char* windowClass, std::int64_t pid);
 
 // Processes events until the condition holds; false if it still does not after a generous while.
 bool waitUntil(const std::function<bool()>& condition);
 
 QColor textColour(const QWidget& widget);
 
-// A delegate with a fake desktop, an empty telemetry tree (every reading absent), four processors, a
-// fixed clock and time zone, and a limits script of the test's own in a temporary resource directory.
+// A delegate with a fake desktop (whose desktop entries and processes the test chooses), an empty
+// telemetry tree (every reading absent), four processors, a fixed clock and time zone, and a limits
+// script of the test's own in a temporary resource directory.
 class DelegateFixture : public ::testing::Test {
 protected:
     static constexpr double startTime = 1'700'000'000.0; // 2023-11-14 22:13:20 UTC
@@ -64,6 +69,9 @@ protected:
     QString resourcePath(const char* name) const;
 
     FakeDesktop desktop;
+    std::map<std::string, std::string> entryNames;     // app_id or class → desktop entry's name
+    std::map<std::int64_t, ProcessFindings> processes; // pid → what its process tree tells
+    int processInspections = 0;
     QTemporaryDir resources;
     QTemporaryDir emptyRoot;
     double now = startTime;

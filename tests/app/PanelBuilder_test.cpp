@@ -1,5 +1,6 @@
 #include "Vantrel/app/ElidingLabel.h"
 #include "Vantrel/app/OverlayPanel.h"
+#include "Vantrel/app/PlatformWording.h"
 #include "Vantrel/ui/Layout.h"
 #include "Vantrel/ui/MeterRow.h"
 #include "Vantrel/ui/MiniSwitch.h"
@@ -287,8 +288,7 @@ TEST_F(PanelBuilderTest, WithoutAGpuCoreCountTheGpuBlockHoldsOnlyTheNote)
     ASSERT_EQ(app.gpuDetail->arrangedViews().size(), 1);
     QLabel* note = labelAt(app.gpuDetail, 0);
     ASSERT_NE(note, nullptr);
-    EXPECT_EQ(note->text(),
-              QString::fromUtf8("macOS neposkytuje vytížení jednotlivých GPU jader. — = nedostupné."));
+    EXPECT_EQ(note->text(), QString::fromUtf8(platformWording.gpuPerCoreNote));
     EXPECT_TRUE(note->wordWrap());
     expectFont(note, 9, QFont::Normal);
     EXPECT_EQ(textColour(*note), ui::SystemColor::secondaryLabel());

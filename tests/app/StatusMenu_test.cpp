@@ -1,4 +1,5 @@
 #include "Vantrel/app/OverlayPanel.h"
+#include "Vantrel/app/PlatformWording.h"
 #include "Vantrel/app/StatusItem.h"
 #include "Vantrel/ui/Layout.h"
 #include "Vantrel/ui/MiniSwitch.h"
@@ -23,7 +24,7 @@ TEST_F(StatusMenuTest, TheItemShowsTheGaugeAndItsTip)
 {
     const AppDelegate& app = withPanel();
     EXPECT_FALSE(app.statusItem->icon().isNull());
-    EXPECT_EQ(app.statusItem->toolTip(), QString::fromUtf8("Vantrel Solvane · limity a výkon Macu"));
+    EXPECT_EQ(app.statusItem->toolTip(), QString::fromUtf8(platformWording.statusItemToolTip));
     EXPECT_EQ(app.statusItem->contextMenu(), &app.statusItem->menu());
 }
 

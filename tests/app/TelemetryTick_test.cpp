@@ -154,7 +154,7 @@ class StalenessTest : public TelemetryTickTest, public ::testing::WithParamInter
 TEST_P(StalenessTest, TheStatusLineWarnsOfOldLimits)
 {
     AppDelegate& app = withPanel();
-    const QString before = QString::fromUtf8("Limity 12:00 · Mac každé 2 s");
+    const QString before = QString::fromUtf8("Limity 12:00 · počítač každé 2 s");
     app.updated->setText(before);
     ui::setTextColor(app.updated.get(), ui::SystemColor::secondaryLabel());
     app.lastUsage = now - GetParam().age;

@@ -83,7 +83,7 @@ TEST_F(UsageFetchTest, ADocumentFillsTheRowsTheCreditAndTheStatusLine)
     EXPECT_EQ(textColour(*app.weekly->value()), ui::SystemColor::systemOrange()); // 12 < 15 remaining
     EXPECT_EQ(app.weekly->toolTip(), QString::fromUtf8(sharedTip));
     EXPECT_EQ(app.creditLabel->text(), QString::fromUtf8("Kredity: 12,50 $ · tokeny: API neposkytuje"));
-    EXPECT_EQ(app.updated->text(), QString::fromUtf8("Limity 22:13 · Mac každé 2 s"));
+    EXPECT_EQ(app.updated->text(), QString::fromUtf8("Limity 22:13 · počítač každé 2 s"));
     EXPECT_EQ(textColour(*app.updated), ui::SystemColor::secondaryLabel());
     EXPECT_EQ(app.lastUsage, 1'700'000'000.0);
     EXPECT_FALSE(app.lastFetchFailed);

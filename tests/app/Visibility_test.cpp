@@ -33,8 +33,20 @@ struct FrontCase {
 
 class FrontmostRuleTest : public VisibilityTest, public ::testing::WithParamInterface<FrontCase> {};
 
+FrontmostWindow ownWindow()
+{
+    FrontmostWindow window = windowOfProcess("", 77);
+    window.ownProcess = true;
+    return window;
+}
+
 TEST_P(FrontmostRuleTest, ShowsThePanelOnlyForCompanionApplications)
 {
+    processes[4242] = {"Codex", false, false};
+    processes[4343] = {"bash", false, true};
+    entryNames["codex-desktop"] = "Codex";
+    entryNames["org.example.Chat"] = "ChatGPT";
+    entryNames["Vantrel"] = "Vantrel Monitor";
     AppDelegate& app = withPanel();
     desktop.frontmost = GetParam().frontmost;
     app.focusChanged();
@@ -54,14 +66,18 @@ INSTANTIATE_TEST_SUITE_P(
     Applications, FrontmostRuleTest,
     ::testing::Values(FrontCase{"Codex", windowOfClass("Codex"), true},
                       FrontCase{"ChatGPT", windowOfClass("ChatGPT"), true},
-                      FrontCase{"process Codex, Electron class", FrontmostWindow{"Electron", "Codex", false},
-                                true},
-                      FrontCase{"this program itself", FrontmostWindow{"", "vantrel", true}, true},
+                      FrontCase{"process Codex, Electron class", windowOfProcess("Electron", 4242), true},
+                      FrontCase{"this program itself", ownWindow(), true},
+                      FrontCase{"entry named Codex", windowOfClass("codex-desktop"), true},
+                      FrontCase{"entry named ChatGPT", windowOfClass("org.example.Chat"), true},
+                      FrontCase{"terminal without the Codex CLI", windowOfProcess("XTerm", 4343), false},
+                      FrontCase{"a listed class whose entry names it otherwise", windowOfClass("Vantrel"),
+                                false},
                       FrontCase{"Vantrel Solvane", windowOfClass("Vantrel Solvane"), true},
                       FrontCase{"codex", windowOfClass("codex"), false},
                       FrontCase{"CHATGPT", windowOfClass("CHATGPT"), false},
                       FrontCase{"Codex Beta", windowOfClass("Codex Beta"), false},
-                      FrontCase{"xterm", FrontmostWindow{"XTerm", "xterm", false}, false},
+                      FrontCase{"xterm", windowOfClass("XTerm"), false},
                       FrontCase{"no window", std::nullopt, false}));
 
 TEST_F(VisibilityTest, AnApplicationSwitchComesThroughTheDesktopsNotice)
@@ -76,6 +92,59 @@ TEST_F(VisibilityTest, AnApplicationSwitchComesThroughTheDesktopsNotice)
     EXPECT_TRUE(app.panel->isVisible());
     desktop.switchTo(windowOfClass("Codex Beta"));
     EXPECT_FALSE(app.panel->isVisible());
+}
+
+TEST_F(VisibilityTest, ACodexCliStartedOrEndedInTheTerminalInFrontShowsOrHidesThePanelAtTheNextTick)
+{
+    processes[4343] = {"bash", false, true};
+    AppDelegate& app = withPanel();
+    desktop.frontmost = windowOfProcess("XTerm", 4343);
+    app.focusChanged();
+    EXPECT_FALSE(app.panel->isVisible());
+
+    processes[4343].runsCodexCli = true;
+    app.sample();
+    EXPECT_TRUE(app.panel->isVisible());
+    processes[4343].runsCodexCli = false;
+    app.sample();
+    EXPECT_FALSE(app.panel->isVisible());
+}
+
+TEST_F(VisibilityTest, ProcessesAreReadAtATickOnlyWhileATerminalIsInFront)
+{
+    processes[4242] = {"Codex", false, false};
+    processes[4343] = {"bash", false, true};
+    AppDelegate& app = withPanel();
+    desktop.frontmost = windowOfProcess("Electron", 4242);
+    app.focusChanged();
+    EXPECT_EQ(processInspections, 1);
+    app.sample();
+    app.sample();
+    EXPECT_EQ(processInspections, 1);
+
+    desktop.frontmost = windowOfProcess("XTerm", 4343);
+    app.focusChanged();
+    EXPECT_EQ(processInspections, 2);
+    app.sample();
+    EXPECT_EQ(processInspections, 3);
+
+    desktop.frontmost = windowOfClass("Codex");
+    app.focusChanged();
+    app.sample();
+    EXPECT_EQ(processInspections, 3);
+}
+
+TEST_F(VisibilityTest, AnUnchangedTerminalAtATickLeavesAPinnedOrShownPanelAlone)
+{
+    processes[4343] = {"bash", true, true};
+    AppDelegate& app = withPanel();
+    desktop.frontmost = windowOfProcess("XTerm", 4343);
+    app.focusChanged();
+    ASSERT_TRUE(app.panel->isVisible());
+    const int shownBefore = desktop.shown;
+    app.sample();
+    EXPECT_TRUE(app.panel->isVisible());
+    EXPECT_EQ(desktop.shown, shownBefore);
 }
 
 TEST_F(VisibilityTest, ShowingPreparesTheWindowForEveryWorkspaceEachTime)

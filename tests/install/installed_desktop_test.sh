@@ -99,7 +99,7 @@ xdotool windowactivate --sync "$other"
 xdotool windowactivate --sync "$codex"
 
 /usr/bin/python3 "$probe" 60 "Zbývá · 5 h" "64 %" "Zbývá · týden" "81 %" \
-  "Kredity: 7.25 · tokeny: API neposkytuje" "re:Limity [0-9]{2}:[0-9]{2} · Mac každé 2 s" \
+  "Kredity: 7.25 · tokeny: API neposkytuje" "re:Limity [0-9]{2}:[0-9]{2} · počítač každé 2 s" \
   || fail "the script's document did not reach the panel"
 alive
 

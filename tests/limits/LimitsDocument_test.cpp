@@ -132,7 +132,7 @@ class DecodedAndFullDocuments : public testing::TestWithParam<const char*> {};
 
 TEST_P(DecodedAndFullDocuments, AreShownAlike)
 {
-    const UsageContext context{1752575400, "Europe/Prague", "cs_CZ"};
+    const UsageContext context{1752575400, "Europe/Prague", "cs_CZ", "Mac"};
     const auto decoded = decodeLimitsDocument(GetParam());
     ASSERT_TRUE(decoded.has_value());
     EXPECT_EQ(interpretUsage(*decoded, context), interpretUsage(nlohmann::json::parse(GetParam()), context));

@@ -11,7 +11,7 @@ namespace {
 
 using nlohmann::json;
 
-const UsageContext prague{1752575400, "Europe/Prague", "cs_CZ"};
+const UsageContext prague{1752575400, "Europe/Prague", "cs_CZ", "Mac"};
 
 const std::string baseTooltip = "Sdílený limit účtu Codex, ne tokeny této konverzace.";
 const std::string pendingTooltip = baseTooltip + " Čeká se na nový stav po obnově.";

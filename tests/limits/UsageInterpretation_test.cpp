@@ -12,7 +12,7 @@ using nlohmann::json;
 
 // 2025-07-15 10:30 UTC, 12:30 in Prague (summer time).
 constexpr double now = 1752575400;
-const UsageContext prague{now, "Europe/Prague", "cs_CZ"};
+const UsageContext prague{now, "Europe/Prague", "cs_CZ", "Mac"};
 
 constexpr const char* baseTooltip = "Sdílený limit účtu Codex, ne tokeny této konverzace.";
 
@@ -200,7 +200,7 @@ class ObservedAtNotANumber : public testing::TestWithParam<const char*> {};
 TEST_P(ObservedAtNotANumber, TheCurrentTimeIsUsedInstead)
 {
     const auto presentation = interpret(std::string(R"({"buckets": [{}])") + GetParam() + "}",
-                                        {1736937000, "Europe/Prague", "cs_CZ"});
+                                        {1736937000, "Europe/Prague", "cs_CZ", "Mac"});
     // lastUsage is now itself: the staleness warning has a full 121 s to wait.
     EXPECT_EQ(presentation.lastUsage, 1736937000);
     EXPECT_EQ(presentation.statusText, "Limity 11:30 · Mac každé 2 s");
@@ -221,10 +221,10 @@ TEST(UsageInterpretation, IntegerObservedAtBeyondTheInt64RangeIsReadAsADouble)
 TEST(UsageInterpretation, StatusTimeFollowsTheZoneAndTheUserLocale)
 {
     const std::string document = R"({"observedAt": 1752575400, "buckets": [{}]})";
-    EXPECT_EQ(interpret(document, {now, "America/New_York", "en_US"}).statusText,
+    EXPECT_EQ(interpret(document, {now, "America/New_York", "en_US", "Mac"}).statusText,
               "Limity 06:30 · Mac každé 2 s");
-    EXPECT_EQ(interpret(document, {now, "UTC", "de_DE"}).statusText, "Limity 10:30 · Mac každé 2 s");
-    EXPECT_EQ(interpret(document, {now, "Europe/Prague", "ar_EG"}).statusText,
+    EXPECT_EQ(interpret(document, {now, "UTC", "de_DE", "Mac"}).statusText, "Limity 10:30 · Mac každé 2 s");
+    EXPECT_EQ(interpret(document, {now, "Europe/Prague", "ar_EG", "Mac"}).statusText,
               "Limity ١٢:٣٠ · Mac každé 2 s");
 }
 
@@ -232,7 +232,7 @@ TEST(UsageInterpretation, ResetTimeIsAlwaysCzechWhateverTheUserLocale)
 {
     const auto presentation =
         interpret(withBucket(R"("windows": [{"slot": "secondary", "resetsAt": 1736937000}])"),
-                  {now, "America/New_York", "en_US"});
+                  {now, "America/New_York", "en_US", "Mac"});
     EXPECT_EQ(presentation.weekly.tooltip, std::string(baseTooltip) + " Obnova: 15. 1. 05:30 EST");
 }
 
@@ -244,9 +244,18 @@ TEST(UsageInterpretation, WarmUpChangesNoResult)
     EXPECT_EQ(interpret(document), before);
 }
 
+TEST(UsageInterpretation, TheStatusLineNamesTheMachineAsTheContextSays)
+{
+    std::ifstream file(VANTREL_FIXTURES "/limits/typical.json");
+    UsageContext context = prague;
+    context.machineName = "počítač";
+    EXPECT_EQ(interpretUsage(json::parse(file), context).statusText, "Limity 12:30 · počítač každé 2 s");
+}
+
 TEST(UsageInterpretation, CurrentContextUsesTheSystemClockZoneAndLocale)
 {
-    const UsageContext context = currentUsageContext();
+    const UsageContext context = currentUsageContext("počítač");
+    EXPECT_EQ(context.machineName, "počítač");
     EXPECT_GT(context.now, 1.7e9);
     EXPECT_FALSE(context.timeZone.empty());
     EXPECT_FALSE(context.statusLocale.empty());
