@@ -6,6 +6,9 @@ set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME vantrel)
 set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
 set(CPACK_PACKAGE_VENDOR "Vantrel developers")
+# The licence as an SPDX identifier, and its text for the generators that show one.
+set(CPACK_RPM_PACKAGE_LICENSE ${VANTREL_LICENSE})
+set(CPACK_RESOURCE_FILE_LICENSE ${CMAKE_SOURCE_DIR}/LICENSE)
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "Codex account limits and system load in a small panel")
 set(CPACK_PACKAGE_DESCRIPTION
     "Vantrel is a small desktop utility with a tray item and a dark floating panel

@@ -16,22 +16,22 @@ std::string_view baseName(std::string_view path)
     return slash == std::string_view::npos ? path : path.substr(slash + 1);
 }
 
-bool isNode(std::string_view program)
-{
-    const std::string_view name = baseName(program);
-    return name == "node" || name == "nodejs";
-}
-
 } // namespace
+
+bool runsAScript(const ProcessInfo& process)
+{
+    return process.name == "node" || process.name == "nodejs";
+}
 
 bool isCodexCli(const ProcessInfo& process)
 {
-    if (process.name == codexProgram || baseName(process.program) == codexProgram) {
+    if (process.name == codexProgram) {
         return true;
     }
-    // `codex` from npm is a node script: node's arguments are the launcher's path and its own.
+    // `codex` from npm is a node script, which starts the native program: the launcher counts from the
+    // start, before the program it starts does.
     const std::string_view script = baseName(process.script);
-    return isNode(process.program) && (script == codexProgram || script == "codex.js");
+    return runsAScript(process) && (script == codexProgram || script == "codex.js");
 }
 
 ProcessFindings inspectProcessTree(std::int64_t root, ProcessTable& table, std::size_t limit)
@@ -61,6 +61,9 @@ ProcessFindings inspectProcessTree(std::int64_t root, ProcessTable& table, std::
             }
             if (pid == root && childInfo->leadsTerminalSession) {
                 findings.isTerminal = true;
+            }
+            if (runsAScript(*childInfo)) {
+                childInfo->script = table.script(child);
             }
             if (isCodexCli(*childInfo)) {
                 findings.runsCodexCli = true;

@@ -15,8 +15,7 @@ struct ProcessInfo {
         0; // since boot, in the system's own unit: a child never starts before its parent
     bool leadsTerminalSession = false; // leads a session on a terminal, as the shell a terminal starts does
     std::string name;                  // the system's short name of its executable
-    std::string program;               // its first argument, the program as it was started
-    std::string script;                // its second argument: what an interpreter such as node runs
+    std::string script;                // what an interpreter runs (its second argument); read only for node
 };
 
 // The processes of the machine as the system shows them, read on demand; either answer may come from a
@@ -30,8 +29,10 @@ public:
     ProcessTable(ProcessTable&&) = delete;
     ProcessTable& operator=(ProcessTable&&) = delete;
 
-    // Nothing when there is no such process (any more).
+    // Nothing when there is no such process (any more). The script is left empty: reading it costs a
+    // file of its own, so it is asked for only where it matters.
     virtual std::optional<ProcessInfo> process(std::int64_t pid) = 0;
+    virtual std::string script(std::int64_t pid) = 0;
     virtual std::vector<std::int64_t> children(std::int64_t pid) = 0;
 };
 
@@ -46,6 +47,8 @@ struct ProcessFindings {
 
 // The Codex CLI: the native program named codex, or node running the npm package's codex launcher.
 bool isCodexCli(const ProcessInfo& process);
+// Whether isCodexCli needs the process's script: only an interpreter's.
+bool runsAScript(const ProcessInfo& process);
 
 inline constexpr std::size_t defaultWalkLimit = 4096;
 

@@ -10,15 +10,27 @@ namespace {
 // A machine's processes as the test lays them out; a pid may be listed as a child without existing.
 class FakeProcessTable final : public ProcessTable {
 public:
-    std::map<std::int64_t, ProcessInfo> processes;
+    std::map<std::int64_t, ProcessInfo> processes; // with their scripts
     std::map<std::int64_t, std::vector<std::int64_t>> childLists;
     int reads = 0;
+    int scriptReads = 0;
 
     std::optional<ProcessInfo> process(std::int64_t pid) override
     {
         ++reads;
         const auto found = processes.find(pid);
-        return found == processes.end() ? std::nullopt : std::optional(found->second);
+        if (found == processes.end()) {
+            return std::nullopt;
+        }
+        ProcessInfo info = found->second;
+        info.script.clear();
+        return info;
+    }
+    std::string script(std::int64_t pid) override
+    {
+        ++scriptReads;
+        const auto found = processes.find(pid);
+        return found == processes.end() ? std::string() : found->second.script;
     }
     std::vector<std::int64_t> children(std::int64_t pid) override
     {
@@ -37,19 +49,18 @@ public:
     ProcessInfo& add(std::int64_t pid, std::int64_t parent, const char* name, std::uint64_t startTime = 10);
 };
 
-ProcessInfo program(const char* name, const char* argument0, const char* argument1 = "")
+ProcessInfo program(const char* name, const char* script = "")
 {
     ProcessInfo info;
     info.name = name;
-    info.program = argument0;
-    info.script = argument1;
+    info.script = script;
     return info;
 }
 
 ProcessInfo& FakeProcessTable::add(std::int64_t pid, std::int64_t parent, const char* name,
                                    std::uint64_t startTime)
 {
-    return add(pid, parent, program(name, name), startTime);
+    return add(pid, parent, program(name), startTime);
 }
 
 struct CliCase {
@@ -67,22 +78,28 @@ TEST_P(CodexCliTest, KnowsTheNativeProgramAndTheNodeLauncher)
 
 INSTANTIATE_TEST_SUITE_P(
     Programs, CodexCliTest,
-    testing::Values(
-        CliCase{"the native program",
-                program("codex", "/usr/lib/node_modules/@openai/codex/vendor/x/bin/codex"), true},
-        CliCase{"the native program started by another name", program("codex", "codex-wrapper"), true},
-        CliCase{"a program whose first argument is codex", program("launcher", "/usr/local/bin/codex"), true},
-        CliCase{"node running the launcher", program("node", "node", "/usr/bin/codex"), true},
-        CliCase{"node running the launcher's script",
-                program("node", "/usr/bin/node", "/usr/lib/node_modules/@openai/codex/bin/codex.js"), true},
-        CliCase{"nodejs running the launcher", program("nodejs", "nodejs", "/usr/bin/codex"), true},
-        CliCase{"node running something else", program("node", "node", "/srv/app/server.js"), false},
-        CliCase{"another program running a script named codex", program("python3", "python3", "codex"),
-                false},
-        CliCase{"a name that only starts like it", program("codex-helper", "codex-helper"), false},
-        CliCase{"a name in other letter case", program("Codex", "Codex"), false},
-        CliCase{"a shell", program("bash", "-bash"), false},
-        CliCase{"nothing known", program("", ""), false}));
+    testing::Values(CliCase{"the native program", program("codex"), true},
+                    CliCase{"node running the launcher", program("node", "/usr/bin/codex"), true},
+                    CliCase{"node running the launcher's script",
+                            program("node", "/usr/lib/node_modules/@openai/codex/bin/codex.js"), true},
+                    CliCase{"nodejs running the launcher", program("nodejs", "/usr/bin/codex"), true},
+                    CliCase{"node running something else", program("node", "/srv/app/server.js"), false},
+                    CliCase{"node running a script in a folder named codex",
+                            program("node", "/srv/codex/server.js"), false},
+                    CliCase{"another program running a script named codex", program("python3", "codex"),
+                            false},
+                    CliCase{"a name that only starts like it", program("codex-helper"), false},
+                    CliCase{"a name in other letter case", program("Codex"), false},
+                    CliCase{"a shell", program("bash"), false},
+                    CliCase{"nothing known", program(""), false}));
+
+TEST(CodexCli, OnlyAnInterpretersScriptIsNeeded)
+{
+    EXPECT_TRUE(runsAScript(program("node")));
+    EXPECT_TRUE(runsAScript(program("nodejs")));
+    EXPECT_FALSE(runsAScript(program("codex")));
+    EXPECT_FALSE(runsAScript(program("bash")));
+}
 
 TEST(ProcessTree, NoProcessFindsNothing)
 {
@@ -110,10 +127,11 @@ TEST(ProcessTree, FindsTheCliAsAGrandchild)
     FakeProcessTable table;
     table.add(100, 1, "xterm");
     table.add(200, 100, "bash").leadsTerminalSession = true;
-    table.add(300, 200, program("node", "node", "/usr/bin/codex"));
+    table.add(300, 200, program("node", "/usr/bin/codex"));
     const ProcessFindings findings = inspectProcessTree(100, table);
     EXPECT_TRUE(findings.runsCodexCli);
     EXPECT_TRUE(findings.isTerminal);
+    EXPECT_EQ(table.scriptReads, 1); // node's only
 }
 
 TEST(ProcessTree, FindsTheCliInAnyTabOfATerminal)

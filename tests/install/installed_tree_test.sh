@@ -44,6 +44,9 @@ fi
 desktop-file-validate "$prefix/share/applications/$app_id.desktop" "$prefix/share/vantrel/autostart/$app_id.desktop" \
   || fail "desktop-file-validate"
 appstreamcli validate --no-net "$prefix/share/metainfo/$app_id.metainfo.xml" || fail "appstreamcli validate"
+grep -q '<project_license>Apache-2.0</project_license>' "$prefix/share/metainfo/$app_id.metainfo.xml" \
+  || fail "the metainfo names another licence"
+grep -qx 'License: Apache-2.0' "$prefix/share/doc/vantrel/copyright" || fail "the copyright file names another licence"
 grep -qx "Icon=$app_id" "$prefix/share/applications/$app_id.desktop" || fail "the desktop entry names another icon"
 
 # The program must not depend on where it is started from.

@@ -91,15 +91,14 @@ std::optional<ProcessInfo> parseProcStat(std::string_view text, std::int64_t pid
     return process;
 }
 
-void takeArguments(std::string_view cmdline, ProcessInfo& process)
+std::string scriptArgument(std::string_view cmdline)
 {
     const auto first = cmdline.find('\0');
-    process.program = std::string(cmdline.substr(0, first));
     if (first == std::string_view::npos) {
-        return;
+        return {};
     }
     const std::string_view rest = cmdline.substr(first + 1);
-    process.script = std::string(rest.substr(0, rest.find('\0')));
+    return std::string(rest.substr(0, rest.find('\0')));
 }
 
 ProcfsProcessTable::ProcfsProcessTable(std::string procRoot) : root_(std::move(procRoot))
@@ -107,17 +106,14 @@ ProcfsProcessTable::ProcfsProcessTable(std::string procRoot) : root_(std::move(p
 
 std::optional<ProcessInfo> ProcfsProcessTable::process(std::int64_t pid)
 {
-    const std::string directory = root_ + "/" + std::to_string(pid);
-    const auto stat = readWholeFile(directory + "/stat");
-    if (!stat) {
-        return std::nullopt;
-    }
-    auto process = parseProcStat(*stat, pid);
-    if (process) {
-        // A kernel thread, or a process gone by now, has no arguments: the name alone then speaks for it.
-        takeArguments(readWholeFile(directory + "/cmdline").value_or(""), *process);
-    }
-    return process;
+    const auto stat = readWholeFile(root_ + "/" + std::to_string(pid) + "/stat");
+    return stat ? parseProcStat(*stat, pid) : std::nullopt;
+}
+
+std::string ProcfsProcessTable::script(std::int64_t pid)
+{
+    // A process gone by now has no arguments.
+    return scriptArgument(readWholeFile(root_ + "/" + std::to_string(pid) + "/cmdline").value_or(""));
 }
 
 std::vector<std::int64_t> ProcfsProcessTable::children(std::int64_t pid)

@@ -2,14 +2,18 @@
 // process name the test chooses, so the panel can be seen to follow the window in front.
 //
 //   companion_window --class Codex [--instance codex] [--process Codex] [--title T] [--geometry X,Y,W,H]
+//                    [--shell FIFO]
 //
-// Prints the window's id in decimal once it is mapped, then runs until killed.
+// With --shell it is a terminal as far as processes go: a shell on a terminal of its own (leading its
+// session) runs each line written to FIFO. Prints the window's id in decimal once it is mapped, then runs
+// until killed; the shell ends with it.
 
 #include <array>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <pty.h>
 #include <string>
 #include <sys/prctl.h>
 #include <unistd.h>
@@ -22,6 +26,7 @@ struct Options {
     std::string instance = "companion";
     std::string process;
     std::string title = "companion";
+    std::string shellCommands;
     std::int16_t x = 40;
     std::int16_t y = 80;
     std::uint16_t width = 420;
@@ -39,6 +44,8 @@ bool parse(int argc, char** argv, Options& options)
             options.instance = value;
         } else if (name == "--process") {
             options.process = value;
+        } else if (name == "--shell") {
+            options.shellCommands = value;
         } else if (name == "--title") {
             options.title = value;
         } else if (name == "--geometry") {
@@ -77,6 +84,25 @@ void setText(xcb_connection_t* connection, xcb_window_t window, xcb_atom_t prope
                         static_cast<std::uint32_t>(text.size()), text.data());
 }
 
+// A shell on a new pseudo-terminal, as a terminal starts one for each tab; its output goes nowhere, so
+// nobody needs to read the terminal's side.
+bool startShell(const std::string& commands)
+{
+    int terminal = -1;
+    const pid_t shell = forkpty(&terminal, nullptr, nullptr, nullptr);
+    if (shell < 0) {
+        return false;
+    }
+    if (shell == 0) {
+        execl("/bin/sh", "sh", "-c",
+              "exec >/dev/null 2>&1; while :; do while IFS= read -r line; do eval \"$line\"; done < \"$0\"; "
+              "done",
+              commands.c_str(), static_cast<char*>(nullptr));
+        _exit(127);
+    }
+    return true;
+}
+
 } // namespace
 
 int main(int argc, char** argv)
@@ -84,13 +110,17 @@ int main(int argc, char** argv)
     Options options;
     if (!parse(argc, argv, options)) {
         static_cast<void>(std::fputs("usage: companion_window --class C [--instance I] [--process P] "
-                                     "[--title T] [--geometry X,Y,W,H]\n",
+                                     "[--title T] [--geometry X,Y,W,H] [--shell FIFO]\n",
                                      stderr));
         return 2;
     }
     if (!options.process.empty()) {
         // What /proc/PID/comm reads, and so the process name the panel looks at.
         prctl(PR_SET_NAME, options.process.c_str(), 0, 0, 0);
+    }
+    if (!options.shellCommands.empty() && !startShell(options.shellCommands)) {
+        static_cast<void>(std::fputs("companion_window: no terminal for the shell\n", stderr));
+        return 1;
     }
     int screenNumber = 0;
     xcb_connection_t* connection = xcb_connect(nullptr, &screenNumber);

@@ -232,13 +232,17 @@ class Desktop:
         self.run("import", "-window", "root", str(path))
 
     # --- other applications ----------------------------------------------------------------------
-    def open_companion(self, helper, window_class, process=None, instance=None, geometry=None):
+    def open_companion(self, helper, window_class, process=None, instance=None, geometry=None, shell=None):
+        """A window of the class; with `shell` (a FIFO), one whose shell on a terminal of its own runs each
+        line written there, as a terminal's tab does."""
         command = [helper, "--class", window_class, "--instance", instance or window_class.lower(),
                    "--title", window_class]
         if process:
             command += ["--process", process]
         if geometry:
             command += ["--geometry", ",".join(str(v) for v in geometry)]
+        if shell:
+            command += ["--shell", str(shell)]
         process_handle = subprocess.Popen(command, env=self.env, stdout=subprocess.PIPE, text=True,
                                           preexec_fn=die_with_parent)
         window = int(process_handle.stdout.readline())

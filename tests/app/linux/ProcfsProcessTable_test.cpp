@@ -60,32 +60,26 @@ TEST(ProcStat, AnythingElseIsNoProcess)
     }
 }
 
-TEST(Cmdline, GivesTheProgramAndWhatItRuns)
+TEST(Cmdline, GivesTheSecondArgument)
 {
-    ProcessInfo process;
-    takeArguments("node\0/usr/bin/codex\0--yolo\0"s, process);
-    EXPECT_EQ(process.program, "node");
-    EXPECT_EQ(process.script, "/usr/bin/codex");
-
-    takeArguments("bash\0"s, process);
-    EXPECT_EQ(process.program, "bash");
-    EXPECT_EQ(process.script, "");
-
-    takeArguments(""s, process);
-    EXPECT_EQ(process.program, "");
-    EXPECT_EQ(process.script, "");
+    EXPECT_EQ(scriptArgument("node\0/usr/bin/codex\0--yolo\0"s), "/usr/bin/codex");
+    EXPECT_EQ(scriptArgument("node\0/usr/bin/codex"s), "/usr/bin/codex");
+    EXPECT_EQ(scriptArgument("bash\0"s), "");
+    EXPECT_EQ(scriptArgument("bash"s), "");
+    EXPECT_EQ(scriptArgument(""s), "");
 }
 
-TEST(ProcfsProcessTable, ReadsAProcessAndItsArguments)
+TEST(ProcfsProcessTable, ReadsAProcessAndItsScript)
 {
     ProcfsProcessTable table(fixture("terminal"));
     const auto node = table.process(300);
     ASSERT_TRUE(node);
     EXPECT_EQ(node->name, "node");
     EXPECT_EQ(node->parent, 201);
-    EXPECT_EQ(node->program, "node");
-    EXPECT_EQ(node->script, "/usr/local/bin/codex");
+    EXPECT_EQ(node->script, "");
+    EXPECT_EQ(table.script(300), "/usr/local/bin/codex");
     EXPECT_FALSE(table.process(999));
+    EXPECT_EQ(table.script(999), "");
 }
 
 TEST(ProcfsProcessTable, ChildrenComeFromEveryThreadsList)
@@ -144,7 +138,7 @@ TEST(ProcfsProcessTable, OddNamesAndGarbledStatLines)
     ProcfsProcessTable table(fixture("odd"));
     ASSERT_TRUE(table.process(500));
     EXPECT_EQ(table.process(500)->name, "my (odd) name");
-    EXPECT_EQ(table.process(500)->program, "");
+    EXPECT_EQ(table.script(500), "");
     EXPECT_FALSE(table.process(501));
     EXPECT_EQ(inspect("odd", 501), ProcessFindings{});
 }
