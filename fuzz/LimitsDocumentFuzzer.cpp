@@ -18,7 +18,6 @@ using vantrel::limits::UsagePresentation;
 
 constexpr std::string_view rowTooltip = "Sdílený limit účtu Codex, ne tokeny této konverzace.";
 constexpr std::string_view resetPart = " Obnova: ";
-constexpr std::string_view statusTail = " · Mac každé 2 s";
 
 // An array of objects under `key`, or nothing (one element of another type spoils the whole array).
 const json::array_t* objectArray(const json& object, const char* key)
@@ -89,7 +88,7 @@ void checkRow(const LimitRowUsage& row)
     require(!row.value || std::isfinite(*row.value), "a remaining figure is a finite number");
 }
 
-void checkPresentation(const UsagePresentation& shown, const json* bucket)
+void checkPresentation(const UsagePresentation& shown, const json* bucket, const UsageContext& context)
 {
     if (bucket == nullptr) {
         require(shown.statusText == "API nevrátilo limity účtu" &&
@@ -111,6 +110,7 @@ void checkPresentation(const UsagePresentation& shown, const json* bucket)
     }
     require(shown.statusColour == StatusColour::Secondary, "the observation time in the secondary colour");
     const std::string& status = shown.statusText;
+    const std::string statusTail = " · " + context.machineName + " každé 2 s";
     require(status.starts_with("Limity ") && status.ends_with(statusTail) &&
                 status.size() > std::string_view("Limity ").size() + statusTail.size() && isValidUtf8(status),
             "the status line names the observation time");
@@ -133,6 +133,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         UsageContext{1752575400.25, "Europe/Prague", "cs_CZ", "počítač"},
         UsageContext{0, "America/St_Johns", "en_US", "Mac"}, UsageContext{-1e12, "Etc/GMT-14", "ar_EG", ""}};
     for (const UsageContext& context : contexts)
-        checkPresentation(vantrel::limits::interpretUsage(*document, context), bucket);
+        checkPresentation(vantrel::limits::interpretUsage(*document, context), bucket, context);
     return 0;
 }
