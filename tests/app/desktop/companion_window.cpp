@@ -2,9 +2,12 @@
 // process name the test chooses, so the panel can be seen to follow the window in front.
 //
 //   companion_window --class Codex [--instance codex] [--process Codex] [--title T] [--geometry X,Y,W,H]
+//   companion_window --app-id codex [--process P] [--title T] [--geometry X,Y,W,H]
 //
-// Prints the window's id in decimal once it is mapped, then runs until killed.
+// Prints the window's id in decimal once it is mapped, then runs until killed. With --app-id the window is
+// a native Wayland toplevel of that app_id instead, and what it prints is its process id.
 
+#include "companion_wayland.h"
 #include <array>
 #include <cstdint>
 #include <cstdio>
@@ -18,6 +21,7 @@
 namespace {
 
 struct Options {
+    std::string appId;
     std::string windowClass = "Companion";
     std::string instance = "companion";
     std::string process;
@@ -33,7 +37,9 @@ bool parse(int argc, char** argv, Options& options)
     for (int index = 1; index + 1 < argc; index += 2) {
         const std::string name = argv[index];
         const std::string value = argv[index + 1];
-        if (name == "--class") {
+        if (name == "--app-id") {
+            options.appId = value;
+        } else if (name == "--class") {
             options.windowClass = value;
         } else if (name == "--instance") {
             options.instance = value;
@@ -83,14 +89,17 @@ int main(int argc, char** argv)
 {
     Options options;
     if (!parse(argc, argv, options)) {
-        static_cast<void>(std::fputs("usage: companion_window --class C [--instance I] [--process P] "
-                                     "[--title T] [--geometry X,Y,W,H]\n",
+        static_cast<void>(std::fputs("usage: companion_window (--class C [--instance I] | --app-id A) "
+                                     "[--process P] [--title T] [--geometry X,Y,W,H]\n",
                                      stderr));
         return 2;
     }
     if (!options.process.empty()) {
         // What /proc/PID/comm reads, and so the process name the panel looks at.
         prctl(PR_SET_NAME, options.process.c_str(), 0, 0, 0);
+    }
+    if (!options.appId.empty()) {
+        return runWaylandWindow(options.appId, options.title, options.width, options.height);
     }
     int screenNumber = 0;
     xcb_connection_t* connection = xcb_connect(nullptr, &screenNumber);
