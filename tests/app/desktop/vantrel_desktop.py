@@ -104,13 +104,48 @@ def selection_owner(display, selection):
         xcb.xcb_disconnect(connection)
 
 
-class Desktop:
+class Session:
+    """Processes started for one test script, with the environment its clients get; stopped in reverse
+    order of starting, the display server last."""
+
+    def __init__(self, prefix):
+        self.processes = {}
+        self.runtime = tempfile.TemporaryDirectory(prefix=prefix)
+        self.env = None
+
+    def spawn(self, name, command, **options):
+        options.setdefault("stdout", subprocess.DEVNULL)
+        options.setdefault("stderr", subprocess.DEVNULL)
+        options.setdefault("env", self.env)
+        process = subprocess.Popen(command, preexec_fn=options.pop("preexec_fn", die_with_parent), **options)
+        self.processes[name] = process
+        return process
+
+    def run(self, *command, check=True):
+        return subprocess.run(command, env=self.env, capture_output=True, text=True, check=check,
+                              timeout=TIMEOUT).stdout
+
+    def stop_process(self, name):
+        process = self.processes.pop(name, None)
+        if process is not None and process.poll() is None:
+            process.terminate()
+            try:
+                process.wait(5)
+            except subprocess.TimeoutExpired:
+                process.kill()
+                process.wait()
+
+    def stop(self):
+        for name in reversed(list(self.processes)):
+            self.stop_process(name)
+        self.runtime.cleanup()
+
+
+class Desktop(Session):
     def __init__(self, width=1280, height=800, tray=True, compositor=False):
+        super().__init__("vantrel-desktop-")
         self.width, self.height = width, height
         self.with_tray, self.with_compositor = tray, compositor
-        self.processes = {}
-        self.runtime = tempfile.TemporaryDirectory(prefix="vantrel-desktop-")
-        self.env = None
 
     # --- lifecycle -------------------------------------------------------------------------------
     def start(self):
@@ -159,33 +194,7 @@ class Desktop:
                               "--transparent", "false", "--tint", "0x303030"])
         wait_for(lambda: (self.work_area() or (0, 0))[1] == height, "the tray's strut in the work area")
 
-    def stop_process(self, name):
-        process = self.processes.pop(name, None)
-        if process is not None and process.poll() is None:
-            process.terminate()
-            try:
-                process.wait(5)
-            except subprocess.TimeoutExpired:
-                process.kill()
-                process.wait()
-
-    def stop(self):
-        for name in [n for n in self.processes if n != "xvfb"] + ["xvfb"]:
-            self.stop_process(name)
-        self.runtime.cleanup()
-
-    def spawn(self, name, command, **options):
-        options.setdefault("stdout", subprocess.DEVNULL)
-        options.setdefault("stderr", subprocess.DEVNULL)
-        process = subprocess.Popen(command, env=self.env, preexec_fn=die_with_parent, **options)
-        self.processes[name] = process
-        return process
-
     # --- reading the desktop ---------------------------------------------------------------------
-    def run(self, *command, check=True):
-        return subprocess.run(command, env=self.env, capture_output=True, text=True, check=check,
-                              timeout=TIMEOUT).stdout
-
     def xprop_root(self, name):
         return self.run("xprop", "-root", name, check=False)
 
