@@ -5,8 +5,10 @@ be brought to the front, and a screenshot shows the whole screen."""
 import pathlib
 import subprocess
 
-from compositors import GnomeShell, KWin, Sway
 from desktop_case import COMPANION, DesktopTestCase, main
+from gnome_shell import GnomeShell
+from kwin import KWin
+from sway import Sway
 
 
 class SessionChecks:

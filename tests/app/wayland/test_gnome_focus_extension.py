@@ -13,8 +13,9 @@ import unittest
 
 from gi.repository import Gio, GLib
 
-from compositors import GnomeShell, dbus_call
+from compositors import dbus_call
 from desktop_case import COMPANION, DesktopTestCase, main
+from gnome_shell import GnomeShell
 from vantrel_desktop import wait_for
 
 EXTENSIONS = pathlib.Path(os.environ["VANTREL_SHARE"]) / "gnome-shell" / "extensions"
