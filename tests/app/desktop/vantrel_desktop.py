@@ -141,7 +141,54 @@ class Session:
         self.runtime.cleanup()
 
 
-class Desktop(Session):
+class XReading:
+    """The X display as a user's tools read it (xprop, xwininfo, xdotool): an Xvfb desktop's, or a Wayland
+    session's XWayland. Needs `run` and `env` from a Session."""
+
+    def xprop_root(self, name):
+        return self.run("xprop", "-root", name, check=False)
+
+    def xprop(self, window, name):
+        return self.run("xprop", "-id", str(window), name, check=False)
+
+    def cardinals(self, window, name):
+        text = self.xprop(window, name)
+        return [int(value, 0) for value in re.findall(r"(?:0x[0-9a-f]+|\d+)", text.split("=", 1)[1])] \
+            if "=" in text else []
+
+    def work_area(self):
+        text = self.xprop_root("_NET_WORKAREA")
+        if "=" not in text:
+            return None
+        numbers = [int(v) for v in text.split("=", 1)[1].replace(" ", "").split(",")[:4]]
+        return tuple(numbers)
+
+    def active_window(self):
+        text = self.xprop_root("_NET_ACTIVE_WINDOW")
+        match = re.search(r"window id # (0x[0-9a-f]+)", text)
+        return int(match.group(1), 16) if match else 0
+
+    def input_focus(self):
+        return int(self.run("xdotool", "getwindowfocus", "-f").strip())
+
+    def compositor_running(self):
+        return selection_owner(self.env["DISPLAY"], "_NET_WM_CM_S0") != 0
+
+    def geometry(self, window):
+        text = self.run("xwininfo", "-id", str(window))
+        value = {key: int(re.search(rf"{key}:\s+(-?\d+)", text).group(1))
+                 for key in ("Absolute upper-left X", "Absolute upper-left Y", "Width", "Height")}
+        return (value["Absolute upper-left X"], value["Absolute upper-left Y"], value["Width"], value["Height"])
+
+    def is_viewable(self, window):
+        return "IsViewable" in self.run("xwininfo", "-id", str(window), check=False)
+
+    def windows_of_class(self, window_class):
+        text = self.run("xdotool", "search", "--all", "--class", f"^{re.escape(window_class)}$", check=False)
+        return [int(line) for line in text.split()]
+
+
+class Desktop(Session, XReading):
     def __init__(self, width=1280, height=800, tray=True, compositor=False):
         super().__init__("vantrel-desktop-")
         self.width, self.height = width, height
@@ -193,49 +240,6 @@ class Desktop(Session):
                               "--height", str(height), "--SetDockType", "true", "--SetPartialStrut", "true",
                               "--transparent", "false", "--tint", "0x303030"])
         wait_for(lambda: (self.work_area() or (0, 0))[1] == height, "the tray's strut in the work area")
-
-    # --- reading the desktop ---------------------------------------------------------------------
-    def xprop_root(self, name):
-        return self.run("xprop", "-root", name, check=False)
-
-    def xprop(self, window, name):
-        return self.run("xprop", "-id", str(window), name, check=False)
-
-    def cardinals(self, window, name):
-        text = self.xprop(window, name)
-        return [int(value, 0) for value in re.findall(r"(?:0x[0-9a-f]+|\d+)", text.split("=", 1)[1])] \
-            if "=" in text else []
-
-    def work_area(self):
-        text = self.xprop_root("_NET_WORKAREA")
-        if "=" not in text:
-            return None
-        numbers = [int(v) for v in text.split("=", 1)[1].replace(" ", "").split(",")[:4]]
-        return tuple(numbers)
-
-    def active_window(self):
-        text = self.xprop_root("_NET_ACTIVE_WINDOW")
-        match = re.search(r"window id # (0x[0-9a-f]+)", text)
-        return int(match.group(1), 16) if match else 0
-
-    def input_focus(self):
-        return int(self.run("xdotool", "getwindowfocus", "-f").strip())
-
-    def compositor_running(self):
-        return selection_owner(self.env["DISPLAY"], "_NET_WM_CM_S0") != 0
-
-    def geometry(self, window):
-        text = self.run("xwininfo", "-id", str(window))
-        value = {key: int(re.search(rf"{key}:\s+(-?\d+)", text).group(1))
-                 for key in ("Absolute upper-left X", "Absolute upper-left Y", "Width", "Height")}
-        return (value["Absolute upper-left X"], value["Absolute upper-left Y"], value["Width"], value["Height"])
-
-    def is_viewable(self, window):
-        return "IsViewable" in self.run("xwininfo", "-id", str(window), check=False)
-
-    def windows_of_class(self, window_class):
-        text = self.run("xdotool", "search", "--all", "--class", f"^{re.escape(window_class)}$", check=False)
-        return [int(line) for line in text.split()]
 
     def screenshot(self, path):
         self.run("import", "-window", "root", str(path))

@@ -17,7 +17,7 @@ import subprocess
 
 from gi.repository import Gio, GLib
 
-from vantrel_desktop import Session, die_with_parent, wait_for
+from vantrel_desktop import Session, XReading, die_with_parent, wait_for
 
 
 class Window:
@@ -44,7 +44,7 @@ class Window:
         self.process.stdout.close()
 
 
-class CompositorSession(Session):
+class CompositorSession(Session, XReading):
     """What the three compositors share: the clients' environment, the test desktop entries and the
     stand-in windows. Subclasses start the compositor and say how to focus, read the focus and shoot."""
 
