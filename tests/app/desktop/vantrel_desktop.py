@@ -125,6 +125,11 @@ class Session:
         return subprocess.run(command, env=self.env, capture_output=True, text=True, check=check,
                               timeout=TIMEOUT).stdout
 
+    def start_accessibility_bus(self):
+        # Qt joins the accessibility bus only if it is running when the program starts.
+        self.run("dbus-send", "--session", "--dest=org.a11y.Bus", "--print-reply", "/org/a11y/bus",
+                 "org.a11y.Bus.GetAddress")
+
     def stop_process(self, name):
         process = self.processes.pop(name, None)
         if process is not None and process.poll() is None:
@@ -223,9 +228,7 @@ class Desktop(Session, XReading):
                         QT_LINUX_ACCESSIBILITY_ALWAYS_ON="1")
         for name in ("WAYLAND_DISPLAY", "QT_QPA_PLATFORM"):
             self.env.pop(name, None)
-        # Qt joins the accessibility bus only if it is running when the program starts: start it now.
-        self.run("dbus-send", "--session", "--dest=org.a11y.Bus", "--print-reply", "/org/a11y/bus",
-                 "org.a11y.Bus.GetAddress")
+        self.start_accessibility_bus()
         self.spawn("openbox", ["openbox", "--sm-disable"])
         wait_for(lambda: "window id" in self.xprop_root("_NET_SUPPORTING_WM_CHECK"), "openbox")
         if self.with_tray:
@@ -298,8 +301,14 @@ class Vantrel:
         runs = self.control / "runs.txt"
         return [int(line) for line in runs.read_text().split()] if runs.exists() else []
 
-    def start(self):
+    def start(self, **environment):
+        """Keyword arguments change the program's environment: a string sets a variable, None removes it."""
         env = dict(self.desktop.env, VANTREL_TEST_LIMITS=str(self.control))
+        for name, value in environment.items():
+            if value is None:
+                env.pop(name, None)
+            else:
+                env[name] = value
         with open(self.stderr, "w") as errors:
             self.process = subprocess.Popen([str(self.prefix / "bin" / "vantrel")], env=env,
                                             stdout=subprocess.DEVNULL, stderr=errors, preexec_fn=die_with_parent)

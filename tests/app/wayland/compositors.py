@@ -62,6 +62,7 @@ class CompositorSession(Session, XReading):
     def start(self):
         try:
             self._start()
+            self.start_accessibility_bus()
         except BaseException:
             self.stop()
             raise
