@@ -249,17 +249,24 @@ class Desktop(Session, XReading):
 
     # --- other applications ----------------------------------------------------------------------
     def open_companion(self, helper, window_class, process=None, instance=None, geometry=None):
-        command = [helper, "--class", window_class, "--instance", instance or window_class.lower(),
-                   "--title", window_class]
-        if process:
-            command += ["--process", process]
-        if geometry:
-            command += ["--geometry", ",".join(str(v) for v in geometry)]
+        command = companion_command(helper, window_class, process, instance, geometry)
         process_handle = subprocess.Popen(command, env=self.env, stdout=subprocess.PIPE, text=True,
                                           preexec_fn=die_with_parent)
         window = int(process_handle.stdout.readline())
         wait_for(lambda: self.active_window() == window, f"{window_class} in front")
         return Companion(self, process_handle, window)
+
+
+def companion_command(helper, window_class, process=None, instance=None, geometry=None):
+    """companion_window's command line for an X11 window of that class (instance: the class in lower
+    case unless given)."""
+    command = [helper, "--class", window_class, "--instance", instance or window_class.lower(),
+               "--title", window_class]
+    if process:
+        command += ["--process", process]
+    if geometry:
+        command += ["--geometry", ",".join(str(v) for v in geometry)]
+    return command
 
 
 class Companion:

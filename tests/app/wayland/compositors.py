@@ -17,7 +17,7 @@ import subprocess
 
 from gi.repository import Gio, GLib
 
-from vantrel_desktop import Session, XReading, die_with_parent, wait_for
+from vantrel_desktop import Session, XReading, companion_command, die_with_parent, wait_for
 
 
 class Window:
@@ -94,13 +94,7 @@ class CompositorSession(Session, XReading):
 
     def open_companion(self, helper, window_class, process=None, instance=None, geometry=None):
         """An X11 window through XWayland, as vantrel_desktop.Desktop.open_companion opens one."""
-        command = [helper, "--class", window_class, "--instance", instance or window_class.lower(),
-                   "--title", window_class]
-        if process:
-            command += ["--process", process]
-        if geometry:
-            command += ["--geometry", ",".join(str(v) for v in geometry)]
-        return self._open(command, int)
+        return self._open(companion_command(helper, window_class, process, instance, geometry), int)
 
     def _open(self, command, window_of):
         process = subprocess.Popen(command, env=self.env, stdout=subprocess.PIPE, text=True,

@@ -131,24 +131,16 @@ class OnSway(DesktopTestCase):
         self.assertFalse(vantrel.panel_shown())
         self.assertIsNone(vantrel.process.poll())
 
-    def test_a_dropped_ipc_connection_leaves_the_panel_knowing_nothing(self):
-        proxy, vantrel = self.start_behind("sway-ipc", "SWAYSOCK", upstream=self.desktop.env["SWAYSOCK"])
-        self.codex.activate()
-        wait_for(vantrel.panel_shown, "the panel over Codex through the proxy")
-        proxy.cut()
-        wait_for(lambda: not vantrel.panel_shown(), "the panel hidden once the connection dropped")
-        self.assert_knows_nothing_and_runs(vantrel)
-        self.assertEqual(vantrel.stderr.read_text().count(LOST), 1)
-
-    def test_a_dropped_wayland_connection_leaves_the_panel_knowing_nothing(self):
-        proxy, vantrel = self.start_behind("wayland-proxy", "WAYLAND_DISPLAY",
-                                           upstream=self.desktop.env["WAYLAND_DISPLAY"])
-        self.codex.activate()
-        wait_for(vantrel.panel_shown, "the panel over Codex through the proxy")
-        proxy.cut()
-        wait_for(lambda: not vantrel.panel_shown(), "the panel hidden once the connection dropped")
-        self.assert_knows_nothing_and_runs(vantrel)
-        self.assertEqual(vantrel.stderr.read_text().count(LOST), 1)
+    def test_a_dropped_connection_leaves_the_panel_knowing_nothing(self):
+        for proxy_name, variable in (("sway-ipc", "SWAYSOCK"), ("wayland-proxy", "WAYLAND_DISPLAY")):
+            with self.subTest(variable):
+                proxy, vantrel = self.start_behind(proxy_name, variable, upstream=self.desktop.env[variable])
+                self.codex.activate()
+                wait_for(vantrel.panel_shown, "the panel over Codex through the proxy")
+                proxy.cut()
+                wait_for(lambda v=vantrel: not v.panel_shown(), "the panel hidden once the connection dropped")
+                self.assert_knows_nothing_and_runs(vantrel)
+                self.assertEqual(vantrel.stderr.read_text().count(LOST), 1)
 
     def test_garbage_from_the_ipc_socket_is_a_dropped_connection(self):
         _, vantrel = self.start_behind("sway-garbage", "SWAYSOCK", answer=b"HTTP/1.1 400 Bad Request\r\n\r\n")
