@@ -13,6 +13,7 @@ tests/app/desktop.
 
 import os
 import pathlib
+import signal
 import subprocess
 
 from gi.repository import Gio, GLib
@@ -39,9 +40,18 @@ class Window:
         wait_for(self.has_focus, f"window of process {self.pid} in front")
 
     def close(self):
+        for child in children(self.pid):
+            os.kill(child, signal.SIGTERM)
         self.process.terminate()
         self.process.wait(5)
         self.process.stdout.close()
+
+
+def children(pid):
+    try:
+        return [int(p) for p in pathlib.Path(f"/proc/{pid}/task/{pid}/children").read_text().split()]
+    except FileNotFoundError:
+        return []
 
 
 class CompositorSession(Session, XReading):
@@ -85,11 +95,15 @@ class CompositorSession(Session, XReading):
         (self.data_dir / "applications" / f"{file_id}.desktop").write_text("\n".join(lines) + "\n")
 
     # --- stand-in applications --------------------------------------------------------------------
-    def open_native(self, helper, app_id, title=None, process=None, size=(420, 300)):
+    def open_native(self, helper, app_id, title=None, process=None, size=(420, 300), child=None):
+        """A native window; `child`, a program the window's process starts first (as a terminal runs its
+        shell's programs), runs until the window closes."""
         command = [helper, "--app-id", app_id, "--title", title or app_id,
                    "--geometry", f"0,0,{size[0]},{size[1]}"]
         if process:
             command += ["--process", process]
+        if child:
+            command = ["sh", "-c", '"$0" 600 & exec "$@"', str(child), *command]
         return self._open(command, lambda line: None)
 
     def open_companion(self, helper, window_class, process=None, instance=None, geometry=None):

@@ -53,6 +53,20 @@ class OnSway(DesktopTestCase):
             window.activate()
             self.wait_until_shown(True, f"over {description}")
 
+    def test_a_window_running_the_codex_cli_counts_where_the_process_is_known(self):
+        cli = pathlib.Path(self.desktop.runtime.name) / "cli" / "codex"
+        cli.parent.mkdir(exist_ok=True)
+        cli.symlink_to("/bin/sleep")
+        terminal = self.desktop.open_native(COMPANION, "org.example.Terminal", child=cli)
+        try:
+            terminal.activate()
+            # sway's IPC tells the window's process, whose child is `codex`; the protocol tells no process.
+            wait_for(self.paths["sway IPC"].panel_shown, "the panel over the terminal running codex")
+            time.sleep(1)
+            self.assertFalse(self.paths["foreign toplevel"].panel_shown())
+        finally:
+            terminal.close()
+
     def test_accessibility_sees_the_panel_come_and_go(self):
         vantrel = self.paths["sway IPC"]
         panel = a11y.panel_root(a11y.application(vantrel.process.pid))
