@@ -37,8 +37,7 @@ std::unique_ptr<ForeignToplevelSource> ForeignToplevelSource::create(WaylandConn
     QObject::connect(&connection, &WaylandConnection::lost, source.get(),
                      &ForeignToplevelSource::connectionLost);
     // The toplevels that exist already arrive now.
-    connection.roundtrip();
-    return source;
+    return connection.roundtrip() ? std::move(source) : nullptr;
 }
 
 ForeignToplevelSource::ForeignToplevelSource(zwlr_foreign_toplevel_manager_v1* manager) : manager_(manager)

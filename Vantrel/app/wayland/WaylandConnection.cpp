@@ -1,9 +1,17 @@
 #include "Vantrel/app/wayland/WaylandConnection.h"
 
 #include <algorithm>
+#include <chrono>
+#include <poll.h>
 #include <wayland-client.h>
 
 namespace vantrel {
+namespace {
+
+// A compositor answers in microseconds; one that has not within this is taken for gone.
+constexpr std::chrono::milliseconds roundtripTimeout{1000};
+
+} // namespace
 
 std::unique_ptr<WaylandConnection> WaylandConnection::connect()
 {
@@ -57,11 +65,41 @@ void* WaylandConnection::bind(const wl_interface& interface, std::uint32_t versi
 
 bool WaylandConnection::roundtrip()
 {
-    if (wl_display_roundtrip(display_) < 0) {
-        fail();
-        return false;
+    // libwayland's own roundtrip would wait for ever on a compositor that does not answer.
+    bool answered = false;
+    static const wl_callback_listener listener{
+        [](void* data, wl_callback* /*callback*/, std::uint32_t /*serial*/) {
+            *static_cast<bool*>(data) = true;
+        }};
+    wl_callback* callback = wl_display_sync(display_);
+    wl_callback_add_listener(callback, &listener, &answered);
+    const auto deadline = std::chrono::steady_clock::now() + roundtripTimeout;
+    bool broken = false;
+    while (!answered && !broken) {
+        while (wl_display_prepare_read(display_) != 0) {
+            broken = wl_display_dispatch_pending(display_) < 0;
+            if (broken || answered) {
+                break;
+            }
+        }
+        if (broken || answered) {
+            break;
+        }
+        wl_display_flush(display_);
+        const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(
+            deadline - std::chrono::steady_clock::now());
+        pollfd socket{wl_display_get_fd(display_), POLLIN, 0};
+        if (left.count() <= 0 || poll(&socket, 1, static_cast<int>(left.count())) <= 0) {
+            wl_display_cancel_read(display_);
+            break;
+        }
+        broken = wl_display_read_events(display_) < 0 || wl_display_dispatch_pending(display_) < 0;
     }
-    return true;
+    wl_callback_destroy(callback);
+    if (!answered) {
+        fail();
+    }
+    return answered;
 }
 
 void WaylandConnection::dispatch()

@@ -161,6 +161,15 @@ class OnSway(DesktopTestCase):
         self.assert_knows_nothing_and_runs(vantrel)
         wait_for(lambda: LOST in vantrel.stderr.read_text(), "the line about the lost connection")
 
+    def test_a_wayland_socket_that_garbles_or_falls_silent_leaves_xwayland_windows_only(self):
+        for proxy_name, answer in (("wayland-garbage", b"\x01\x00\x00\x00\xff\xff\xff\xff" * 4),
+                                   ("wayland-silent", b"")):
+            with self.subTest(proxy_name):
+                _, vantrel = self.start_behind(proxy_name, "WAYLAND_DISPLAY", answer=answer)
+                self.assert_knows_nothing_and_runs(vantrel)
+                self.x11_codex.activate()
+                wait_for(vantrel.panel_shown, "the panel over X11 Codex, seen through XWayland")
+
     def test_an_ipc_socket_that_never_answers_blocks_nothing(self):
         _, vantrel = self.start_behind("sway-silent", "SWAYSOCK", answer=b"")
         self.assert_knows_nothing_and_runs(vantrel)
