@@ -1,6 +1,7 @@
 #include "Vantrel/app/SessionChoice.h"
 
 #include <algorithm>
+#include <array>
 
 namespace vantrel {
 namespace {
@@ -10,9 +11,16 @@ bool offers(const SessionFacts& facts, std::string_view interface)
     return std::find(facts.globals.begin(), facts.globals.end(), interface) != facts.globals.end();
 }
 
+// The names wlroots compositors give themselves in XDG_CURRENT_DESKTOP.
+constexpr std::array<std::string_view, 7> wlrootsDesktops{"sway",    "Hyprland", "niri", "labwc",
+                                                          "wlroots", "Wayfire",  "river"};
+
 bool isWlroots(const SessionFacts& facts)
 {
-    return !facts.swaySocket.empty() || offers(facts, "zwlr_foreign_toplevel_manager_v1");
+    return !facts.swaySocket.empty() || offers(facts, "zwlr_foreign_toplevel_manager_v1") ||
+           std::any_of(wlrootsDesktops.begin(), wlrootsDesktops.end(), [&facts](std::string_view desktop) {
+               return listsDesktop(facts.currentDesktop, desktop);
+           });
 }
 
 } // namespace
