@@ -1,7 +1,8 @@
-"""Vantrel on sway 1.7: the panel follows native Wayland windows and XWayland ones, told by sway's IPC and,
-in a second instance without SWAYSOCK, by the foreign-toplevel protocol; it sits at the bottom right
-above tiled and floating windows without ever taking the focus; and it keeps running, knowing nothing,
-when the compositor's connection drops, garbles or falls silent."""
+"""Vantrel on sway 1.7 with waybar's tray: the panel follows native Wayland windows and XWayland ones, told
+by sway's IPC and, in a second instance without SWAYSOCK, by the foreign-toplevel protocol; it sits at the
+bottom right above tiled and floating windows without ever taking the focus; pinning from the tray keeps
+it up over everything; and it keeps running, knowing nothing, when the compositor's connection drops,
+garbles or falls silent."""
 
 import pathlib
 import subprocess
@@ -10,6 +11,7 @@ import time
 import accessibility as a11y
 from desktop_case import COMPANION, DesktopTestCase, main
 from socket_proxy import SocketProxy
+from status_notifier import TrayItem
 from sway import Sway
 from vantrel_desktop import wait_for
 
@@ -20,6 +22,7 @@ LOST = "vantrel: the compositor no longer tells which window is in front; the pa
 
 class OnSway(DesktopTestCase):
     desktop_type = Sway
+    desktop_options = {"tray": True}
 
     @classmethod
     def setUpClass(cls):
@@ -66,6 +69,38 @@ class OnSway(DesktopTestCase):
             self.assertFalse(self.paths["foreign toplevel"].panel_shown())
         finally:
             terminal.close()
+
+    def test_the_tray_item_registers_with_waybar_and_offers_its_menu(self):
+        for name, vantrel in self.paths.items():
+            with self.subTest(name):
+                self.assertEqual(TrayItem(vantrel.process.pid).entries(), [
+                    ("menu item", "Zobrazit / skrýt údaje"),
+                    ("menu item", "Obnovit limity"),
+                    ("menu item", "Zobrazovat i nad jinými aplikacemi"),
+                    ("separator", ""),
+                    ("menu item", "Ukončit Vantrel"),
+                ])
+
+    def test_pinning_from_the_tray_keeps_the_panel_above_every_window(self):
+        self.editor.activate()
+        self.wait_until_shown(False, "over the editor")
+        trays = [TrayItem(vantrel.process.pid) for vantrel in self.paths.values()]
+        for tray in trays:
+            self.assertFalse(tray.checked(3))
+            tray.choose(3)
+        try:
+            self.wait_until_shown(True, "pinned over the editor")
+            for window in (self.x11_codex, self.editor, self.chatgpt):
+                window.activate()
+                self.wait_until_shown(True, "pinned, whatever is in front")
+            self.assertTrue(all(tray.checked(3) for tray in trays))
+            self.assertEqual(self.desktop.focused()["pid"], self.chatgpt.pid)
+        finally:
+            for tray in trays:
+                tray.choose(3)
+        self.editor.activate()
+        self.wait_until_shown(False, "unpinned over the editor")
+        self.assertFalse(any(tray.checked(3) for tray in trays))
 
     def test_accessibility_sees_the_panel_come_and_go(self):
         vantrel = self.paths["sway IPC"]
@@ -141,7 +176,7 @@ class OnSway(DesktopTestCase):
 
     def assert_knows_nothing_and_runs(self, vantrel):
         self.codex.activate()
-        time.sleep(1)  # long past the settling of a change
+        time.sleep(0.6)  # past the settling of a change
         self.assertFalse(vantrel.panel_shown())
         self.assertIsNone(vantrel.process.poll())
 
