@@ -4,6 +4,7 @@ bottom right above tiled and floating windows without ever taking the focus; pin
 it up over everything; and it keeps running, knowing nothing, when the compositor's connection drops,
 garbles or falls silent."""
 
+import os
 import pathlib
 import subprocess
 import time
@@ -15,6 +16,7 @@ from status_notifier import TrayItem
 from sway import Sway
 from vantrel_desktop import wait_for
 
+VIRTUAL_POINTER = os.environ["VANTREL_VIRTUAL_POINTER"]
 MARGIN = 16
 PANEL_WIDTH = 292
 LOST = "vantrel: the compositor no longer tells which window is in front; the panel shows only when pinned"
@@ -121,6 +123,32 @@ class OnSway(DesktopTestCase):
                 self.assertIsNone(self.desktop.view_of(vantrel.process.pid))
         time.sleep(0.5)  # a focus change that were to come late would still be seen
         self.assertEqual(self.desktop.focused()["pid"], self.codex.pid)
+
+    def test_a_click_on_the_panel_works_and_leaves_the_focus_where_it_was(self):
+        self.codex.activate()
+        self.wait_until_shown(True, "over Codex")
+        apps = [a11y.application(vantrel.process.pid) for vantrel in self.paths.values()]
+
+        def figures_shown():
+            return [a11y.showing(a11y.row(app, "CPU").node) for app in apps]
+
+        self.assertEqual(figures_shown(), [True, True])
+        self.click_switch(apps[0])
+        try:
+            # The two panels lie on one another: the one on top took the click.
+            wait_for(lambda: sorted(figures_shown()) == [False, True], "the figures of the clicked panel hidden")
+            self.assertEqual(self.desktop.focused()["pid"], self.codex.pid)
+        finally:
+            # The shorter panel sits lower: its switch has moved.
+            for app, shown in zip(apps, figures_shown()):
+                if not shown:
+                    self.click_switch(app)
+        wait_for(lambda: figures_shown() == [True, True], "the figures back")
+
+    def click_switch(self, app):
+        switch = a11y.switch(app, "Zobrazit nebo skrýt údaje").queryComponent().getExtents(0)
+        subprocess.run([VIRTUAL_POINTER, str(switch.x + switch.width // 2), str(switch.y + switch.height // 2),
+                        "1280", "800"], env=self.desktop.env, check=True, timeout=20)
 
     def test_the_panel_is_drawn_above_a_floating_window_covering_it(self):
         self.desktop.swaymsg(f"[pid={self.chatgpt.pid}] floating enable, resize set 900 700, move position 380 100")
