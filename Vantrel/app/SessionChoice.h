@@ -32,8 +32,9 @@ std::vector<FrontmostSource> frontmostSources(const SessionFacts& facts);
 
 // Whether the panel must be an unmanaged (override-redirect) X11 window to sit at the bottom right:
 // wlroots compositors (known by sway's socket, their protocol or their desktop name) place XWayland's
-// floating windows themselves (sway centres them) and would focus it. KWin and GNOME Shell honour the position asked for, and keep the window manager's other services
-// (every workspace, no taskbar entry) that an unmanaged window goes without.
+// floating windows themselves (sway centres them) and would focus it. KWin and GNOME Shell honour the
+// position asked for and keep the window manager's other services (every workspace, no taskbar entry),
+// which an unmanaged window goes without.
 bool panelMustBeUnmanaged(const SessionFacts& facts);
 
 // Whether XDG_CURRENT_DESKTOP lists the desktop; desktop names are compared exactly, case included.

@@ -24,7 +24,7 @@ std::unique_ptr<ToplevelSource> connectSource(FrontmostSource kind, const Sessio
         return SwayIpcSource::connectTo(facts.swaySocket);
     case FrontmostSource::wlrForeignToplevel:
         return connection != nullptr ? ForeignToplevelSource::create(*connection) : nullptr;
-    case FrontmostSource::x11:
+    case FrontmostSource::x11: // the X11 desktop itself, which serves when no source connects
     case FrontmostSource::kdeWindowManagement:
     case FrontmostSource::gnomeExtension:
         break;
