@@ -15,6 +15,8 @@ struct FrontmostWindow {
     std::optional<std::int64_t> pid;          // the window's process, where the desktop tells it
     bool ownProcess = false;                  // a window of this very program
     std::optional<std::string> localizedName; // the application's name, where the desktop itself gives it
+
+    friend bool operator==(const FrontmostWindow&, const FrontmostWindow&) = default;
 };
 
 } // namespace vantrel

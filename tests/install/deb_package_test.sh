@@ -38,6 +38,10 @@ dpkg-deb --extract "$deb" "$root"
   echo "644 usr/share/man/man1/vantrel.1.gz"
   echo "644 usr/share/doc/vantrel/copyright"
   echo "644 usr/share/doc/vantrel/changelog.gz"
+  for uuid in vantrel-focus@vantrel.github.io vantrel-focus-gnome43@vantrel.github.io; do
+    echo "644 usr/share/gnome-shell/extensions/$uuid/extension.js"
+    echo "644 usr/share/gnome-shell/extensions/$uuid/metadata.json"
+  done
   if [ "$system_autostart" = yes ]; then echo "644 etc/xdg/autostart/$app_id.desktop"; fi
 } | sort >"$work/expected"
 diff -u "$work/expected" "$work/files" || fail "the package's files differ from the expected list (- expected, + packaged)"

@@ -30,6 +30,9 @@ expected=(
 for size in 16 22 24 32 48 64 128 256; do
   expected+=("share/icons/hicolor/${size}x${size}/apps/$app_id.png")
 done
+for uuid in vantrel-focus@vantrel.github.io vantrel-focus-gnome43@vantrel.github.io; do
+  expected+=("share/gnome-shell/extensions/$uuid/extension.js" "share/gnome-shell/extensions/$uuid/metadata.json")
+done
 for file in "${expected[@]}"; do
   [ -f "$prefix/$file" ] || fail "not installed: $file"
 done

@@ -1,6 +1,7 @@
 #include "Vantrel/app/Platform.h"
 #include "Vantrel/app/linux/DesktopEntryNames.h"
 #include "Vantrel/app/linux/ProcfsProcessTable.h"
+#include "Vantrel/app/wayland/WaylandSession.h"
 #include "Vantrel/app/x11/DisplayCheck.h"
 #include "Vantrel/app/x11/X11Desktop.h"
 
@@ -28,8 +29,9 @@ std::unique_ptr<Desktop> createDesktop()
     auto desktop = X11Desktop::create();
     if (!desktop) {
         static_cast<void>(std::fputs("vantrel: the X display gives no connection to work with\n", stderr));
+        return nullptr;
     }
-    return desktop;
+    return createSessionDesktop(std::move(desktop));
 }
 
 IdentificationSources identificationSources()

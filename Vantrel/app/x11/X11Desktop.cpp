@@ -135,6 +135,10 @@ bool X11Desktop::hasCompositor()
 void X11Desktop::prepareToShow(QWidget& window)
 {
     const auto id = static_cast<xcb_window_t>(window.winId());
+    if (panelUnmanaged_) {
+        const std::uint32_t overrideRedirect = 1;
+        xcb_change_window_attributes(connection_, id, XCB_CW_OVERRIDE_REDIRECT, &overrideRedirect);
+    }
     xcb_change_property(connection_, XCB_PROP_MODE_REPLACE, id, atoms_.wmDesktop, XCB_ATOM_CARDINAL, 32, 1,
                         &allDesktops);
     auto states = propertyWords(id, atoms_.wmState, XCB_ATOM_ATOM);

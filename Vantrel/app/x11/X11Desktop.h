@@ -31,6 +31,11 @@ public:
 
     bool nativeEventFilter(const QByteArray& eventType, void* message, qintptr* result) override;
 
+    // From now on the panel maps as an override-redirect window, which no window manager places or
+    // focuses: the one way to the bottom right where the window manager ignores where a window asks to
+    // be (sway's XWayland centres floating windows).
+    void keepPanelUnmanaged() { panelUnmanaged_ = true; }
+
 private:
     struct Atoms {
         xcb_atom_t activeWindow, wmPid, wmDesktop, wmState, sticky, skipTaskbar, skipPager, compositor;
@@ -47,6 +52,7 @@ private:
     xcb_window_t root_;
     Atoms atoms_;
     FocusSettler settler_;
+    bool panelUnmanaged_ = false;
 };
 
 } // namespace vantrel

@@ -22,6 +22,17 @@ def application(pid):
     return wait_for(find, f"the accessible application of process {pid}")
 
 
+def answers(pid):
+    """Whether the program's event loop answers assistive technology (even with no window shown)."""
+    for app in pyatspi.Registry.getDesktop(0):
+        try:
+            if app is not None and app.get_process_id() == pid:
+                return bool(app.name)
+        except GLib.GError:
+            continue
+    return False
+
+
 def descendants(node, depth=0):
     for child in node:
         if child is None:

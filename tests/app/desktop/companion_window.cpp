@@ -2,12 +2,15 @@
 // process name the test chooses, so the panel can be seen to follow the window in front.
 //
 //   companion_window --class Codex [--instance codex] [--process Codex] [--title T] [--geometry X,Y,W,H]
-//                    [--shell FIFO]
+//   companion_window --app-id codex [--process P] [--title T] [--geometry X,Y,W,H]
+//   either of them [--shell FIFO]
 //
-// With --shell it is a terminal as far as processes go: a shell on a terminal of its own (leading its
-// session) runs each line written to FIFO. Prints the window's id in decimal once it is mapped, then runs
-// until killed; the shell ends with it.
+// Prints the window's id in decimal once it is mapped, then runs until killed. With --app-id the window is
+// a native Wayland toplevel of that app_id instead, and what it prints is its process id. With --shell it
+// is a terminal as far as processes go: a shell on a terminal of its own (leading its session) runs each
+// line written to FIFO, and ends with the window.
 
+#include "companion_wayland.h"
 #include <array>
 #include <cstdint>
 #include <cstdio>
@@ -22,6 +25,7 @@
 namespace {
 
 struct Options {
+    std::string appId;
     std::string windowClass = "Companion";
     std::string instance = "companion";
     std::string process;
@@ -38,7 +42,9 @@ bool parse(int argc, char** argv, Options& options)
     for (int index = 1; index + 1 < argc; index += 2) {
         const std::string name = argv[index];
         const std::string value = argv[index + 1];
-        if (name == "--class") {
+        if (name == "--app-id") {
+            options.appId = value;
+        } else if (name == "--class") {
             options.windowClass = value;
         } else if (name == "--instance") {
             options.instance = value;
@@ -109,8 +115,8 @@ int main(int argc, char** argv)
 {
     Options options;
     if (!parse(argc, argv, options)) {
-        static_cast<void>(std::fputs("usage: companion_window --class C [--instance I] [--process P] "
-                                     "[--title T] [--geometry X,Y,W,H] [--shell FIFO]\n",
+        static_cast<void>(std::fputs("usage: companion_window (--class C [--instance I] | --app-id A) "
+                                     "[--process P] [--title T] [--geometry X,Y,W,H] [--shell FIFO]\n",
                                      stderr));
         return 2;
     }
@@ -121,6 +127,9 @@ int main(int argc, char** argv)
     if (!options.shellCommands.empty() && !startShell(options.shellCommands)) {
         static_cast<void>(std::fputs("companion_window: no terminal for the shell\n", stderr));
         return 1;
+    }
+    if (!options.appId.empty()) {
+        return runWaylandWindow(options.appId, options.title, options.width, options.height);
     }
     int screenNumber = 0;
     xcb_connection_t* connection = xcb_connect(nullptr, &screenNumber);

@@ -32,21 +32,24 @@ def full_document(observed_at):
 
 
 class DesktopTestCase(unittest.TestCase):
+    """The session is an X desktop unless a script names another kind (a Wayland compositor's)."""
+
+    desktop_type = Desktop
     desktop_options = {}
 
     @classmethod
     def setUpClass(cls):
         become_subreaper()
-        cls.desktop = Desktop(**cls.desktop_options).start()
+        cls.desktop = cls.desktop_type(**cls.desktop_options).start()
         cls.addClassCleanup(cls.desktop.stop)
         # Fixed time zone and locale, so reset times and the status line read the same on every machine.
         cls.desktop.env.update(TZ="UTC", LANG="C.UTF-8", LC_ALL="C.UTF-8")
 
     @classmethod
-    def start_vantrel(cls, document=None, **behaviour):
+    def start_vantrel(cls, document=None, environment=None, **behaviour):
         vantrel = Vantrel(cls.desktop, EXECUTABLE, LIMITS_SCRIPT)
         vantrel.behave(document=document if document is not None else {}, **behaviour)
-        vantrel.start()
+        vantrel.start(**(environment or {}))
         return vantrel
 
     @classmethod

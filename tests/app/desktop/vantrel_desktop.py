@@ -104,60 +104,31 @@ def selection_owner(display, selection):
         xcb.xcb_disconnect(connection)
 
 
-class Desktop:
-    def __init__(self, width=1280, height=800, tray=True, compositor=False):
-        self.width, self.height = width, height
-        self.with_tray, self.with_compositor = tray, compositor
+class Session:
+    """Processes started for one test script, with the environment its clients get; stopped in reverse
+    order of starting, the display server last."""
+
+    def __init__(self, prefix):
         self.processes = {}
-        self.runtime = tempfile.TemporaryDirectory(prefix="vantrel-desktop-")
+        self.runtime = tempfile.TemporaryDirectory(prefix=prefix)
         self.env = None
 
-    # --- lifecycle -------------------------------------------------------------------------------
-    def start(self):
-        try:
-            return self._start()
-        except BaseException:
-            self.stop()
-            raise
+    def spawn(self, name, command, **options):
+        options.setdefault("stdout", subprocess.DEVNULL)
+        options.setdefault("stderr", subprocess.DEVNULL)
+        options.setdefault("env", self.env)
+        process = subprocess.Popen(command, preexec_fn=options.pop("preexec_fn", die_with_parent), **options)
+        self.processes[name] = process
+        return process
 
-    def _start(self):
-        read_end, write_end = os.pipe()
-        xvfb = subprocess.Popen(
-            ["Xvfb", "-displayfd", str(write_end), "-screen", "0", f"{self.width}x{self.height}x24",
-             "-nolisten", "tcp", "-noreset"],
-            pass_fds=(write_end,), stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL,
-            preexec_fn=die_with_parent)
-        os.close(write_end)
-        with os.fdopen(read_end) as display_file:
-            number = display_file.readline().strip()
-        if not number:
-            raise RuntimeError("Xvfb did not start")
-        self.processes["xvfb"] = xvfb
-        runtime = os.environ.get("XDG_RUNTIME_DIR")
-        if runtime is None:
-            runtime = pathlib.Path(self.runtime.name) / "xdg"
-            runtime.mkdir(mode=0o700)
-        self.env = dict(os.environ, DISPLAY=f":{number}", XDG_RUNTIME_DIR=str(runtime),
-                        QT_LINUX_ACCESSIBILITY_ALWAYS_ON="1")
-        for name in ("WAYLAND_DISPLAY", "QT_QPA_PLATFORM"):
-            self.env.pop(name, None)
-        # Qt joins the accessibility bus only if it is running when the program starts: start it now.
+    def run(self, *command, check=True):
+        return subprocess.run(command, env=self.env, capture_output=True, text=True, check=check,
+                              timeout=TIMEOUT).stdout
+
+    def start_accessibility_bus(self):
+        # Qt joins the accessibility bus only if it is running when the program starts.
         self.run("dbus-send", "--session", "--dest=org.a11y.Bus", "--print-reply", "/org/a11y/bus",
                  "org.a11y.Bus.GetAddress")
-        self.spawn("openbox", ["openbox", "--sm-disable"])
-        wait_for(lambda: "window id" in self.xprop_root("_NET_SUPPORTING_WM_CHECK"), "openbox")
-        if self.with_tray:
-            self.start_tray()
-        if self.with_compositor:
-            self.spawn("xcompmgr", ["xcompmgr"])
-            wait_for(lambda: self.compositor_running(), "xcompmgr")
-        return self
-
-    def start_tray(self, height=24):
-        self.spawn("trayer", ["trayer", "--edge", "top", "--align", "right", "--widthtype", "request",
-                              "--height", str(height), "--SetDockType", "true", "--SetPartialStrut", "true",
-                              "--transparent", "false", "--tint", "0x303030"])
-        wait_for(lambda: (self.work_area() or (0, 0))[1] == height, "the tray's strut in the work area")
 
     def stop_process(self, name):
         process = self.processes.pop(name, None)
@@ -170,21 +141,14 @@ class Desktop:
                 process.wait()
 
     def stop(self):
-        for name in [n for n in self.processes if n != "xvfb"] + ["xvfb"]:
+        for name in reversed(list(self.processes)):
             self.stop_process(name)
         self.runtime.cleanup()
 
-    def spawn(self, name, command, **options):
-        options.setdefault("stdout", subprocess.DEVNULL)
-        options.setdefault("stderr", subprocess.DEVNULL)
-        process = subprocess.Popen(command, env=self.env, preexec_fn=die_with_parent, **options)
-        self.processes[name] = process
-        return process
 
-    # --- reading the desktop ---------------------------------------------------------------------
-    def run(self, *command, check=True):
-        return subprocess.run(command, env=self.env, capture_output=True, text=True, check=check,
-                              timeout=TIMEOUT).stdout
+class XReading:
+    """The X display as a user's tools read it (xprop, xwininfo, xdotool): an Xvfb desktop's, or a Wayland
+    session's XWayland. Needs `run` and `env` from a Session."""
 
     def xprop_root(self, name):
         return self.run("xprop", "-root", name, check=False)
@@ -228,26 +192,84 @@ class Desktop:
         text = self.run("xdotool", "search", "--all", "--class", f"^{re.escape(window_class)}$", check=False)
         return [int(line) for line in text.split()]
 
+
+class Desktop(Session, XReading):
+    def __init__(self, width=1280, height=800, tray=True, compositor=False):
+        super().__init__("vantrel-desktop-")
+        self.width, self.height = width, height
+        self.with_tray, self.with_compositor = tray, compositor
+
+    # --- lifecycle -------------------------------------------------------------------------------
+    def start(self):
+        try:
+            return self._start()
+        except BaseException:
+            self.stop()
+            raise
+
+    def _start(self):
+        read_end, write_end = os.pipe()
+        xvfb = subprocess.Popen(
+            ["Xvfb", "-displayfd", str(write_end), "-screen", "0", f"{self.width}x{self.height}x24",
+             "-nolisten", "tcp", "-noreset"],
+            pass_fds=(write_end,), stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL,
+            preexec_fn=die_with_parent)
+        os.close(write_end)
+        with os.fdopen(read_end) as display_file:
+            number = display_file.readline().strip()
+        if not number:
+            raise RuntimeError("Xvfb did not start")
+        self.processes["xvfb"] = xvfb
+        runtime = os.environ.get("XDG_RUNTIME_DIR")
+        if runtime is None:
+            runtime = pathlib.Path(self.runtime.name) / "xdg"
+            runtime.mkdir(mode=0o700)
+        self.env = dict(os.environ, DISPLAY=f":{number}", XDG_RUNTIME_DIR=str(runtime),
+                        QT_LINUX_ACCESSIBILITY_ALWAYS_ON="1")
+        for name in ("WAYLAND_DISPLAY", "QT_QPA_PLATFORM"):
+            self.env.pop(name, None)
+        self.start_accessibility_bus()
+        self.spawn("openbox", ["openbox", "--sm-disable"])
+        wait_for(lambda: "window id" in self.xprop_root("_NET_SUPPORTING_WM_CHECK"), "openbox")
+        if self.with_tray:
+            self.start_tray()
+        if self.with_compositor:
+            self.spawn("xcompmgr", ["xcompmgr"])
+            wait_for(lambda: self.compositor_running(), "xcompmgr")
+        return self
+
+    def start_tray(self, height=24):
+        self.spawn("trayer", ["trayer", "--edge", "top", "--align", "right", "--widthtype", "request",
+                              "--height", str(height), "--SetDockType", "true", "--SetPartialStrut", "true",
+                              "--transparent", "false", "--tint", "0x303030"])
+        wait_for(lambda: (self.work_area() or (0, 0))[1] == height, "the tray's strut in the work area")
+
     def screenshot(self, path):
         self.run("import", "-window", "root", str(path))
 
     # --- other applications ----------------------------------------------------------------------
     def open_companion(self, helper, window_class, process=None, instance=None, geometry=None, shell=None):
-        """A window of the class; with `shell` (a FIFO), one whose shell on a terminal of its own runs each
-        line written there, as a terminal's tab does."""
-        command = [helper, "--class", window_class, "--instance", instance or window_class.lower(),
-                   "--title", window_class]
-        if process:
-            command += ["--process", process]
-        if geometry:
-            command += ["--geometry", ",".join(str(v) for v in geometry)]
-        if shell:
-            command += ["--shell", str(shell)]
+        command = companion_command(helper, window_class, process, instance, geometry, shell)
         process_handle = subprocess.Popen(command, env=self.env, stdout=subprocess.PIPE, text=True,
                                           preexec_fn=die_with_parent)
         window = int(process_handle.stdout.readline())
         wait_for(lambda: self.active_window() == window, f"{window_class} in front")
         return Companion(self, process_handle, window)
+
+
+def companion_command(helper, window_class, process=None, instance=None, geometry=None, shell=None):
+    """companion_window's command line for an X11 window of that class (instance: the class in lower
+    case unless given); with `shell` (a FIFO), a window whose shell on a terminal of its own runs each
+    line written there, as a terminal's tab does."""
+    command = [helper, "--class", window_class, "--instance", instance or window_class.lower(),
+               "--title", window_class]
+    if process:
+        command += ["--process", process]
+    if geometry:
+        command += ["--geometry", ",".join(str(v) for v in geometry)]
+    if shell:
+        command += ["--shell", str(shell)]
+    return command
 
 
 class Companion:
@@ -289,8 +311,14 @@ class Vantrel:
         runs = self.control / "runs.txt"
         return [int(line) for line in runs.read_text().split()] if runs.exists() else []
 
-    def start(self):
+    def start(self, **environment):
+        """Keyword arguments change the program's environment: a string sets a variable, None removes it."""
         env = dict(self.desktop.env, VANTREL_TEST_LIMITS=str(self.control))
+        for name, value in environment.items():
+            if value is None:
+                env.pop(name, None)
+            else:
+                env[name] = value
         with open(self.stderr, "w") as errors:
             self.process = subprocess.Popen([str(self.prefix / "bin" / "vantrel")], env=env,
                                             stdout=subprocess.DEVNULL, stderr=errors, preexec_fn=die_with_parent)

@@ -1,0 +1,28 @@
+#pragma once
+
+#include "Vantrel/app/FrontmostWindow.h"
+
+#include <QObject>
+
+#include <optional>
+
+namespace vantrel {
+
+// One way a Wayland session tells which window is in front (a protocol, a compositor's IPC, a shell
+// extension). A source that loses its connection reports nothing in front from then on.
+class ToplevelSource : public QObject {
+    Q_OBJECT
+
+public:
+    using QObject::QObject;
+
+    // The window in front as last told; nothing when none is, or when it is not known.
+    virtual std::optional<FrontmostWindow> frontmost() const = 0;
+
+signals:
+    void frontmostChanged();
+    // The connection behind the source is gone for good.
+    void lost();
+};
+
+} // namespace vantrel

@@ -1,0 +1,250 @@
+"""Vantrel on sway 1.7 with waybar's tray: the panel follows native Wayland windows and XWayland ones, told
+by sway's IPC and, in a second instance without SWAYSOCK, by the foreign-toplevel protocol; it sits at the
+bottom right above tiled and floating windows without ever taking the focus; pinning from the tray keeps
+it up over everything; and it keeps running, knowing nothing, when the compositor's connection drops,
+garbles or falls silent."""
+
+import os
+import pathlib
+import subprocess
+import time
+
+import accessibility as a11y
+from desktop_case import COMPANION, DesktopTestCase, main
+from socket_proxy import SocketProxy
+from status_notifier import TrayItem
+from sway import Sway
+from vantrel_desktop import wait_for
+
+VIRTUAL_POINTER = os.environ["VANTREL_VIRTUAL_POINTER"]
+MARGIN = 16
+PANEL_WIDTH = 292
+LOST = "vantrel: the compositor no longer tells which window is in front; the panel shows only when pinned"
+
+
+class OnSway(DesktopTestCase):
+    desktop_type = Sway
+    desktop_options = {"tray": True}
+
+    @classmethod
+    def setUpClass(cls):
+        super().setUpClass()
+        cls.desktop.add_desktop_entry("codex", "Codex")
+        cls.editor = cls.open_native("org.example.Editor")
+        cls.codex = cls.open_native("codex")
+        cls.chatgpt = cls.open_native("ChatGPT")
+        cls.x11_codex = cls.open("Codex", geometry=(40, 80, 400, 300))
+        cls.paths = {"sway IPC": cls.start_vantrel(),
+                     "foreign toplevel": cls.start_vantrel(environment={"SWAYSOCK": None})}
+        for vantrel in cls.paths.values():
+            cls.addClassCleanup(vantrel.stop)
+
+    @classmethod
+    def open_native(cls, app_id):
+        window = cls.desktop.open_native(COMPANION, app_id)
+        cls.addClassCleanup(window.close)
+        return window
+
+    def wait_until_shown(self, shown, what):
+        for name, vantrel in self.paths.items():
+            wait_for(lambda v=vantrel: v.panel_shown() == shown,
+                     f"the panel {'shown' if shown else 'hidden'} {what} ({name})")
+
+    def test_the_panel_follows_the_window_in_front(self):
+        for description, window in (("native Codex, named by its desktop entry", self.codex),
+                                    ("native ChatGPT", self.chatgpt), ("X11 Codex", self.x11_codex)):
+            self.editor.activate()
+            self.wait_until_shown(False, "over an unrelated window")
+            window.activate()
+            self.wait_until_shown(True, f"over {description}")
+
+    def test_a_window_running_the_codex_cli_counts_where_the_process_is_known(self):
+        cli = pathlib.Path(self.desktop.runtime.name) / "cli" / "codex"
+        cli.parent.mkdir(exist_ok=True)
+        cli.symlink_to("/bin/sleep")
+        terminal = self.desktop.open_native(COMPANION, "org.example.Terminal", child=cli)
+        try:
+            terminal.activate()
+            # sway's IPC tells the window's process, whose child is `codex`; the protocol tells no process.
+            wait_for(self.paths["sway IPC"].panel_shown, "the panel over the terminal running codex")
+            time.sleep(1)
+            self.assertFalse(self.paths["foreign toplevel"].panel_shown())
+        finally:
+            terminal.close()
+
+    def test_the_tray_item_registers_with_waybar_and_offers_its_menu(self):
+        for name, vantrel in self.paths.items():
+            with self.subTest(name):
+                self.assertEqual(TrayItem(vantrel.process.pid).entries(), [
+                    ("menu item", "Zobrazit / skrýt údaje"),
+                    ("menu item", "Obnovit limity"),
+                    ("menu item", "Zobrazovat i nad jinými aplikacemi"),
+                    ("separator", ""),
+                    ("menu item", "Ukončit Vantrel"),
+                ])
+
+    def test_pinning_from_the_tray_keeps_the_panel_above_every_window(self):
+        self.editor.activate()
+        self.wait_until_shown(False, "over the editor")
+        trays = [TrayItem(vantrel.process.pid) for vantrel in self.paths.values()]
+        for tray in trays:
+            self.assertFalse(tray.checked(3))
+            tray.choose(3)
+        try:
+            self.wait_until_shown(True, "pinned over the editor")
+            for window in (self.x11_codex, self.editor, self.chatgpt):
+                window.activate()
+                self.wait_until_shown(True, "pinned, whatever is in front")
+            self.assertTrue(all(tray.checked(3) for tray in trays))
+            self.assertEqual(self.desktop.focused()["pid"], self.chatgpt.pid)
+        finally:
+            for tray in trays:
+                tray.choose(3)
+        self.editor.activate()
+        self.wait_until_shown(False, "unpinned over the editor")
+        self.assertFalse(any(tray.checked(3) for tray in trays))
+
+    def test_accessibility_sees_the_panel_come_and_go(self):
+        vantrel = self.paths["sway IPC"]
+        panel = a11y.panel_root(a11y.application(vantrel.process.pid))
+        self.codex.activate()
+        wait_for(lambda: a11y.showing(panel), "the panel showing to AT-SPI")
+        self.editor.activate()
+        wait_for(lambda: not a11y.showing(panel), "the panel hidden to AT-SPI")
+
+    def test_the_panel_sits_at_the_bottom_right_and_never_takes_the_focus(self):
+        self.codex.activate()
+        self.wait_until_shown(True, "over Codex")
+        for name, vantrel in self.paths.items():
+            with self.subTest(name):
+                x, y, width, height = self.desktop.geometry(vantrel.panel_window())
+                self.assertEqual((x, width, y + height), (1280 - MARGIN - PANEL_WIDTH, PANEL_WIDTH, 800 - MARGIN))
+                # Unmanaged: sway neither lists nor focuses it.
+                self.assertIsNone(self.desktop.view_of(vantrel.process.pid))
+        time.sleep(0.5)  # a focus change that were to come late would still be seen
+        self.assertEqual(self.desktop.focused()["pid"], self.codex.pid)
+
+    def test_a_click_on_the_panel_works_and_leaves_the_focus_where_it_was(self):
+        self.codex.activate()
+        self.wait_until_shown(True, "over Codex")
+        apps = [a11y.application(vantrel.process.pid) for vantrel in self.paths.values()]
+
+        def figures_shown():
+            return [a11y.showing(a11y.row(app, "CPU").node) for app in apps]
+
+        self.assertEqual(figures_shown(), [True, True])
+        self.click_switch(apps[0])
+        try:
+            # The two panels lie on one another: the one on top took the click.
+            wait_for(lambda: sorted(figures_shown()) == [False, True], "the figures of the clicked panel hidden")
+            self.assertEqual(self.desktop.focused()["pid"], self.codex.pid)
+        finally:
+            # The shorter panel sits lower: its switch has moved.
+            for app, shown in zip(apps, figures_shown()):
+                if not shown:
+                    self.click_switch(app)
+        wait_for(lambda: figures_shown() == [True, True], "the figures back")
+
+    def click_switch(self, app):
+        switch = a11y.switch(app, "Zobrazit nebo skrýt údaje").queryComponent().getExtents(0)
+        subprocess.run([VIRTUAL_POINTER, str(switch.x + switch.width // 2), str(switch.y + switch.height // 2),
+                        "1280", "800"], env=self.desktop.env, check=True, timeout=20)
+
+    def test_the_panel_is_drawn_above_a_floating_window_covering_it(self):
+        self.desktop.swaymsg(f"[pid={self.chatgpt.pid}] floating enable, resize set 900 700, move position 380 100")
+        try:
+            self.chatgpt.activate()
+            self.wait_until_shown(True, "over the floating ChatGPT")
+            x, y, _, height = self.desktop.geometry(self.paths["sway IPC"].panel_window())
+            shot = pathlib.Path(self.desktop.runtime.name) / "floating.png"
+            time.sleep(0.5)  # the first frame of a newly mapped panel
+            self.desktop.screenshot(shot)
+            # The panel's dark backdrop where the window's blue would otherwise be.
+            red, green, blue = pixel(shot, x + 8, y + height // 2)
+            self.assertLess(max(red, green, blue), 60, (red, green, blue))
+        finally:
+            self.desktop.swaymsg(f"[pid={self.chatgpt.pid}] floating disable")
+
+    def test_the_panel_follows_onto_another_workspace(self):
+        self.desktop.swaymsg("workspace 2")
+        try:
+            codex = self.desktop.open_native(COMPANION, "codex")
+            try:
+                self.wait_until_shown(True, "over Codex on workspace 2")
+            finally:
+                codex.close()
+            self.wait_until_shown(False, "over the empty workspace")
+        finally:
+            self.desktop.swaymsg("workspace 1")
+
+    def test_a_window_closing_while_it_is_identified_changes_nothing_else(self):
+        for _ in range(5):
+            process = subprocess.Popen([COMPANION, "--app-id", "codex"], env=self.desktop.env,
+                                       stdout=subprocess.DEVNULL)
+            time.sleep(0.05)
+            process.kill()
+            process.wait()
+        self.editor.activate()
+        self.wait_until_shown(False, "over the editor after the short-lived windows")
+        self.codex.activate()
+        self.wait_until_shown(True, "over Codex")
+        for name, vantrel in self.paths.items():
+            self.assertIsNone(vantrel.process.poll(), name)
+
+    # --- faults ------------------------------------------------------------------------------------
+    def start_behind(self, proxy_name, variable, **proxy_options):
+        proxy = SocketProxy(pathlib.Path(self.desktop.runtime.name) / proxy_name, **proxy_options)
+        self.addCleanup(proxy.close)
+        environment = {variable: proxy.path}
+        if variable == "WAYLAND_DISPLAY":
+            environment["SWAYSOCK"] = None
+        vantrel = self.start_vantrel(environment=environment)
+        self.addCleanup(vantrel.stop)
+        return proxy, vantrel
+
+    def assert_knows_nothing_and_runs(self, vantrel):
+        self.codex.activate()
+        time.sleep(0.6)  # past the settling of a change
+        self.assertFalse(vantrel.panel_shown())
+        self.assertIsNone(vantrel.process.poll())
+
+    def test_a_dropped_connection_leaves_the_panel_knowing_nothing(self):
+        for proxy_name, variable in (("sway-ipc", "SWAYSOCK"), ("wayland-proxy", "WAYLAND_DISPLAY")):
+            with self.subTest(variable):
+                proxy, vantrel = self.start_behind(proxy_name, variable, upstream=self.desktop.env[variable])
+                self.codex.activate()
+                wait_for(vantrel.panel_shown, "the panel over Codex through the proxy")
+                proxy.cut()
+                wait_for(lambda v=vantrel: not v.panel_shown(), "the panel hidden once the connection dropped")
+                self.assert_knows_nothing_and_runs(vantrel)
+                self.assertEqual(vantrel.stderr.read_text().count(LOST), 1)
+
+    def test_garbage_from_the_ipc_socket_is_a_dropped_connection(self):
+        _, vantrel = self.start_behind("sway-garbage", "SWAYSOCK", answer=b"HTTP/1.1 400 Bad Request\r\n\r\n")
+        self.assert_knows_nothing_and_runs(vantrel)
+        wait_for(lambda: LOST in vantrel.stderr.read_text(), "the line about the lost connection")
+
+    def test_a_wayland_socket_that_garbles_or_falls_silent_leaves_xwayland_windows_only(self):
+        for proxy_name, answer in (("wayland-garbage", b"\x01\x00\x00\x00\xff\xff\xff\xff" * 4),
+                                   ("wayland-silent", b"")):
+            with self.subTest(proxy_name):
+                _, vantrel = self.start_behind(proxy_name, "WAYLAND_DISPLAY", answer=answer)
+                self.assert_knows_nothing_and_runs(vantrel)
+                self.x11_codex.activate()
+                wait_for(vantrel.panel_shown, "the panel over X11 Codex, seen through XWayland")
+
+    def test_an_ipc_socket_that_never_answers_blocks_nothing(self):
+        _, vantrel = self.start_behind("sway-silent", "SWAYSOCK", answer=b"")
+        self.assert_knows_nothing_and_runs(vantrel)
+        wait_for(lambda: a11y.answers(vantrel.process.pid), "Vantrel answering assistive technology")
+
+
+def pixel(png, x, y):
+    text = subprocess.run(["convert", str(png), "-crop", f"1x1+{x}+{y}", "-depth", "8", "txt:-"],
+                          capture_output=True, text=True, check=True, timeout=20).stdout
+    values = text.splitlines()[-1].split("(", 1)[1].split(")", 1)[0].split(",")
+    return tuple(int(float(v)) for v in values[:3])
+
+
+if __name__ == "__main__":
+    main()
