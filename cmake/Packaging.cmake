@@ -1,8 +1,8 @@
-# CPack: the Debian package. In the build directory, `cpack` writes vantrel_<version>_amd64.deb.
+# CPack: the Debian package; on macOS a disk image to drag the application from. In the build directory,
+# `cpack` writes vantrel_<version>_amd64.deb, or Vantrel-<version>.dmg on macOS.
 set(VANTREL_MAINTAINER "Vantrel developers <dev@vantrel.invalid>"
     CACHE STRING "Maintainer field of the Debian package")
 
-set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME vantrel)
 set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
 set(CPACK_PACKAGE_VENDOR "Vantrel developers")
@@ -20,6 +20,19 @@ primary network link.
 
 The limits are read through the Codex CLI, which must be installed and signed
 in.")
+
+if(APPLE)
+  # Vantrel.app at the top of the image, beside a link to /Applications.
+  set(CPACK_GENERATOR DragNDrop)
+  set(CPACK_PACKAGE_FILE_NAME Vantrel-${PROJECT_VERSION})
+  set(CPACK_DMG_VOLUME_NAME Vantrel)
+  set(CPACK_DMG_FORMAT UDZO)
+  set(CPACK_PACKAGING_INSTALL_PREFIX /)
+  include(CPack)
+  return()
+endif()
+
+set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 # Debian policy: binaries stripped, directories 0755 whatever the umask of whoever builds the package.
 set(CPACK_STRIP_FILES ON)

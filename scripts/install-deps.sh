@@ -7,7 +7,7 @@ build=(cmake ninja-build g++ pkg-config python3
        qt6-base-dev libgl-dev libxcb1-dev libglib2.0-dev libicu-dev nlohmann-json3-dev
        libwayland-dev libwayland-bin wayland-protocols plasma-wayland-protocols)
 run=(fonts-dejavu-core fonts-cantarell)
-test=(libgtest-dev libgmock-dev libbenchmark-dev clang-14 libclang-rt-14-dev
+test=(libgtest-dev libgmock-dev libbenchmark-dev clang-14 libclang-rt-14-dev libc++-14-dev
       xvfb xauth x11-utils x11-xserver-utils openbox trayer xdotool xcompmgr
       at-spi2-core python3-pyatspi dbus dbus-x11 imagemagick python3-psutil
       procps time strace lintian desktop-file-utils appstream dpkg-dev conky-std

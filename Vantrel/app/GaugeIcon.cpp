@@ -73,6 +73,11 @@ void GaugeIconEngine::paint(QPainter* painter, const QRect& rect, QIcon::Mode mo
         ink.setAlphaF(0.4F);
         face.setAlphaF(0.5F);
     }
+    if (style_ == GaugeStyle::Template) {
+        // A template counts only by its coverage: black strokes, and no face that would cover them.
+        ink.setRgb(0, 0, 0, ink.alpha());
+        face = Qt::transparent;
+    }
     painter->save();
     paintGauge(*painter, QRectF(rect), ink, face);
     painter->restore();
@@ -94,12 +99,20 @@ QIconEngine* GaugeIconEngine::clone() const
 
 QString GaugeIconEngine::key() const
 {
-    return QStringLiteral("vantrel-gauge");
+    return style_ == GaugeStyle::Template ? QStringLiteral("vantrel-gauge-template")
+                                          : QStringLiteral("vantrel-gauge");
 }
 
 QIcon gaugeIcon()
 {
     return QIcon(new GaugeIconEngine);
+}
+
+QIcon gaugeTemplateIcon()
+{
+    QIcon icon(new GaugeIconEngine(GaugeStyle::Template));
+    icon.setIsMask(true);
+    return icon;
 }
 
 } // namespace vantrel

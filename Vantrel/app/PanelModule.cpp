@@ -1,9 +1,11 @@
 #include "Vantrel/app/PanelModule.h"
 
+#include "Vantrel/app/InstallLayout.h"
+#include "Vantrel/app/RunningExecutable.h"
+
 #include <cstdio>
 #include <dlfcn.h>
 #include <string>
-#include <system_error>
 
 namespace vantrel {
 
@@ -23,21 +25,14 @@ std::string loaderError()
 
 } // namespace
 
-std::filesystem::path panelModuleOf(const std::filesystem::path& executable)
-{
-    // /proc/self/exe is already free of symbolic links, so ".." can be resolved lexically.
-    return (executable.parent_path() / ".." / "lib" / "vantrel" / "vantrel_panel.so").lexically_normal();
-}
-
 int runPanelModule(int argc, char** argv)
 {
-    std::error_code error;
-    const std::filesystem::path executable = std::filesystem::read_symlink("/proc/self/exe", error);
-    if (error)
-        return failToLoad("/proc/self/exe: " + error.message());
+    const ExecutableLookup executable = runningExecutable();
+    if (executable.path.empty())
+        return failToLoad(executable.error);
     // Every symbol is bound now, so a module that does not fit this system fails here, not mid-run.
     // The module stays loaded until the process ends.
-    void* module = dlopen(panelModuleOf(executable).c_str(), RTLD_NOW | RTLD_LOCAL);
+    void* module = dlopen(installLayoutOf(executable.path).panelModule.c_str(), RTLD_NOW | RTLD_LOCAL);
     if (module == nullptr)
         return failToLoad(loaderError());
     // POSIX guarantees that a function's address survives the round trip through dlsym's void*.

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <filesystem>
-
 namespace vantrel {
 
 // The panel (Qt, ICU, xcb) is a module loaded only for the normal start, so that `--sample` does not pay
@@ -10,12 +8,8 @@ namespace vantrel {
 inline constexpr const char* panelEntryName = "vantrel_run_application";
 using PanelEntry = int (*)(int argc, char** argv);
 
-// <directory of the executable>/../lib/vantrel/vantrel_panel.so: beside the executable in the build tree
-// as in an installed prefix.
-std::filesystem::path panelModuleOf(const std::filesystem::path& executable);
-
-// Loads the module beside the running executable and runs the application from it. A module that cannot
-// be found or loaded is one line on standard error and status 1.
+// Loads the module where the running executable's layout puts it (InstallLayout.h) and runs the
+// application from it. A module that cannot be found or loaded is one line on standard error and status 1.
 int runPanelModule(int argc, char** argv);
 
 } // namespace vantrel

@@ -1,12 +1,13 @@
 #include "Vantrel/app/QuitOnSignals.h"
 
+#include "Vantrel/limits/CloseOnExecPipe.h"
+
 #include <QCoreApplication>
 #include <QSocketNotifier>
 
 #include <array>
 #include <cerrno>
 #include <csignal>
-#include <fcntl.h>
 #include <unistd.h>
 
 namespace vantrel {
@@ -31,7 +32,7 @@ void noteSignal(int /*signal*/)
 
 QuitOnSignals::QuitOnSignals(QObject* parent) : QObject(parent)
 {
-    if (::pipe2(signalPipe.data(), O_CLOEXEC | O_NONBLOCK) != 0) {
+    if (!limits::openCloseOnExecPipe(signalPipe, true)) {
         qWarning("vantrel: no pipe for termination requests; they end the program at once");
         return;
     }

@@ -1,13 +1,13 @@
 #include "Vantrel/app/StatusItem.h"
 
-#include "Vantrel/app/GaugeIcon.h"
 #include "Vantrel/app/PlatformWording.h"
+#include "Vantrel/app/StatusIcon.h"
 
 #include <QCursor>
 
 namespace vantrel {
 
-StatusItem::StatusItem(QObject* parent) : QSystemTrayIcon(gaugeIcon(), parent)
+StatusItem::StatusItem(QObject* parent) : QSystemTrayIcon(statusItemIcon(), parent)
 {
     setToolTip(QString::fromUtf8(platformWording.statusItemToolTip));
     setContextMenu(&menu_);

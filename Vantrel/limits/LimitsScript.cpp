@@ -1,5 +1,6 @@
 #include "Vantrel/limits/LimitsScript.h"
 
+#include "Vantrel/limits/CloseOnExecPipe.h"
 #include "Vantrel/limits/LimitsDocument.h"
 
 #include <array>
@@ -145,7 +146,7 @@ std::optional<nlohmann::json> runLimitsScript(const std::vector<std::string>& co
     }
     std::array<int, 2> ends{};
     // Close-on-exec, so that no other child started meanwhile holds the write end and delays the end of file.
-    if (pipe2(ends.data(), O_CLOEXEC) != 0) {
+    if (!openCloseOnExecPipe(ends, false)) {
         return std::nullopt;
     }
     FileDescriptor writeEnd(ends[1]);

@@ -13,8 +13,8 @@
 // Running the limits script, for a background worker: nothing here touches Qt or the delegate.
 namespace vantrel::limits {
 
-// <directory of the running executable>/../share/vantrel, found through /proc/self/exe. Stops the
-// program when the directory does not exist.
+// The resource directory beside the running executable: <prefix>/share/vantrel, or Contents/Resources in a
+// macOS application bundle (InstallLayout.h). Stops the program when the directory does not exist.
 std::filesystem::path resourceDirectory();
 
 // The same rule for a given executable path (stops the program when the directory does not exist).

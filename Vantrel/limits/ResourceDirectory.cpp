@@ -1,3 +1,5 @@
+#include "Vantrel/app/InstallLayout.h"
+#include "Vantrel/app/RunningExecutable.h"
 #include "Vantrel/limits/Fatal.h"
 #include "Vantrel/limits/LimitsScript.h"
 
@@ -7,9 +9,7 @@ namespace vantrel::limits {
 
 std::filesystem::path resourceDirectoryOf(const std::filesystem::path& executable)
 {
-    // /proc/self/exe is already free of symbolic links, so ".." can be resolved lexically.
-    std::filesystem::path directory =
-        (executable.parent_path() / ".." / "share" / "vantrel").lexically_normal();
+    std::filesystem::path directory = installLayoutOf(executable).resources;
     std::error_code error;
     if (!std::filesystem::is_directory(directory, error)) {
         fatalError("resource directory " + directory.string() + " is missing");
@@ -19,12 +19,11 @@ std::filesystem::path resourceDirectoryOf(const std::filesystem::path& executabl
 
 std::filesystem::path resourceDirectory()
 {
-    std::error_code error;
-    const std::filesystem::path executable = std::filesystem::read_symlink("/proc/self/exe", error);
-    if (error) {
-        fatalError("cannot find the executable through /proc/self/exe: " + error.message());
+    const ExecutableLookup executable = runningExecutable();
+    if (executable.path.empty()) {
+        fatalError("cannot find the executable: " + executable.error);
     }
-    return resourceDirectoryOf(executable);
+    return resourceDirectoryOf(executable.path);
 }
 
 std::vector<std::string> limitsScriptCommand(const std::filesystem::path& resources)

@@ -1,27 +1,14 @@
 #include "Vantrel/limits/ScriptProcess.h"
 
+#include "Vantrel/limits/ProcessDescriptor.h"
+
 #include <csignal>
-#include <sys/syscall.h>
 #include <unistd.h>
 
 namespace vantrel::limits {
-namespace {
-
-// Through syscall(2): glibc 2.36 declares its wrappers without C linkage, so C++ cannot link them.
-int openPidfd(pid_t pid)
-{
-    return static_cast<int>(syscall(SYS_pidfd_open, pid, 0U));
-}
-
-bool sendSignal(int pidfd, int signal)
-{
-    return syscall(SYS_pidfd_send_signal, pidfd, signal, nullptr, 0U) == 0;
-}
-
-} // namespace
 
 struct ScriptProcess::Handle {
-    explicit Handle(pid_t pid) : pidfd(openPidfd(pid)) {}
+    explicit Handle(pid_t pid) : pidfd(openProcessDescriptor(pid)) {}
     ~Handle()
     {
         if (pidfd >= 0) {
@@ -45,12 +32,12 @@ void requestTermination(const ScriptProcess& process)
         // Fails quietly (ESRCH) once the worker has reaped the child. Until then its pid is also the id of
         // its process group, which nothing else can take, so the group gets the request too: a child that
         // the script left behind holding the output would otherwise keep the run open after quitting.
-        if (sendSignal(process.handle_->pidfd, SIGTERM)) {
+        if (signalThroughDescriptor(process.handle_->pidfd, SIGTERM)) {
             kill(-process.pid(), SIGTERM);
         }
         return;
     }
-    // Without a pidfd (a kernel before 5.3, no descriptor left) the pid is the only handle there is.
+    // Without a pidfd (macOS, a kernel before 5.3, no descriptor left) the pid is the only handle there is.
     kill(process.pid(), SIGTERM);
 }
 

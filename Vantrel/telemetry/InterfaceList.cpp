@@ -1,20 +1,12 @@
 #include "Vantrel/telemetry/InterfaceList.h"
 
 #include <cstring>
+#include <limits>
 
 namespace vantrel {
 namespace {
 
-// Offsets of the fields read from the kernel's if_msghdr2.
-constexpr std::size_t lengthOffset = 0;
-constexpr std::size_t typeOffset = 3;
-constexpr std::size_t indexOffset = 12;
-constexpr std::size_t speedOffset = 48;
-constexpr std::size_t receivedOffset = 96;
-constexpr std::size_t sentOffset = 104;
-constexpr std::size_t shortHeaderSize = 112; // if_msghdr: the least a message can be
-constexpr std::size_t recordSize = 160;      // if_msghdr2
-constexpr std::uint8_t interfaceInfo2 = 18;  // RTM_IFINFO2
+using namespace interface_list_layout;
 
 template <typename T> T readAt(std::span<const std::byte> buffer, std::size_t offset)
 {
@@ -44,6 +36,18 @@ std::optional<InterfaceCounters> findInterfaceCounters(std::span<const std::byte
         offset = next;
     }
     return std::nullopt;
+}
+
+std::optional<InterfaceSample> interfaceSampleFrom(const std::string& name, unsigned int index,
+                                                   std::optional<std::span<const std::byte>> buffer)
+{
+    // ifm_index is 16 bits wide: a larger index matches no message.
+    if (index == 0 || index > std::numeric_limits<std::uint16_t>::max() || !buffer)
+        return std::nullopt;
+    const auto counters = findInterfaceCounters(*buffer, static_cast<std::uint16_t>(index));
+    if (!counters)
+        return std::nullopt;
+    return InterfaceSample{name, counters->received, counters->sent, counters->speed};
 }
 
 } // namespace vantrel

@@ -49,5 +49,28 @@ TEST(GaugeIcon, DisabledIsFainter)
     EXPECT_NE(normal, disabled);
 }
 
+TEST(GaugeIcon, TheTemplateIsTheStrokesAloneInAMaskIcon)
+{
+    EXPECT_FALSE(gaugeIcon().isMask());
+    EXPECT_TRUE(gaugeTemplateIcon().isMask());
+    const QImage face = gaugeIcon().pixmap(QSize(32, 32)).toImage().convertToFormat(QImage::Format_ARGB32);
+    const QImage strokes =
+        gaugeTemplateIcon().pixmap(QSize(32, 32)).toImage().convertToFormat(QImage::Format_ARGB32);
+    // Inside the dial, below its centre, where no stroke runs: the face covers it, the template leaves it
+    // clear.
+    EXPECT_GT(face.pixelColor(16, 23).alpha(), 200);
+    EXPECT_EQ(strokes.pixelColor(16, 23).alpha(), 0);
+    // The needle is there, opaque and black.
+    int inked = 0;
+    for (int y = 0; y < 16; ++y) {
+        const QColor colour = strokes.pixelColor(16, y);
+        if (colour.alpha() == 255) {
+            EXPECT_EQ(colour.lightness(), 0);
+            ++inked;
+        }
+    }
+    EXPECT_GE(inked, 6);
+}
+
 } // namespace
 } // namespace vantrel

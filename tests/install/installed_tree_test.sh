@@ -4,6 +4,7 @@
 # Usage: installed_tree_test.sh CMAKE BUILD_DIR APP_ID SYSTEM_AUTOSTART(yes|no)
 set -euo pipefail
 cmake=$1 build=$2 app_id=$3 system_autostart=$4
+here=$(cd "$(dirname "$0")" && pwd)
 # shellcheck source=SCRIPTDIR/support.sh
 source "$(dirname "$0")/support.sh"
 require_tools "desktop-file-utils appstream python3" desktop-file-validate appstreamcli python3
@@ -56,23 +57,6 @@ grep -qx "Icon=$app_id" "$prefix/share/applications/$app_id.desktop" || fail "th
 mkdir "$work/elsewhere"
 cd "$work/elsewhere"
 "$prefix/bin/vantrel" --sample >sample.json || fail "installed vantrel --sample exited with status $?"
-python3 - sample.json <<'PY' || fail "vantrel --sample printed an unexpected record: $(cat sample.json)"
-import json, numbers, sys
-
-with open(sys.argv[1], encoding="utf-8") as f:
-    record = json.load(f)
-
-def percent_or_null(value):
-    return value is None or (isinstance(value, numbers.Real) and not isinstance(value, bool))
-
-assert isinstance(record, dict), "not an object"
-assert sorted(record) == sorted(["cpu", "ram", "gpu", "network", "networkExplanation", "cpuCores",
-                                 "gpuCoreCount", "gpuPerCoreAvailable"]), sorted(record)
-assert all(percent_or_null(record[key]) for key in ("cpu", "ram", "gpu", "network"))
-assert isinstance(record["networkExplanation"], str)
-assert isinstance(record["cpuCores"], list) and record["cpuCores"]
-assert all(percent_or_null(core) for core in record["cpuCores"])
-assert record["gpuCoreCount"] is None or type(record["gpuCoreCount"]) is int
-assert record["gpuPerCoreAvailable"] is False
-PY
+python3 "$here/sample_record_check.py" sample.json ||
+  fail "vantrel --sample printed an unexpected record: $(cat sample.json)"
 echo "installed tree OK"

@@ -1,3 +1,4 @@
+#include "Vantrel/app/RunningExecutable.h"
 #include "Vantrel/limits/LimitsScript.h"
 
 #include <gtest/gtest.h>
@@ -12,7 +13,7 @@ namespace fs = std::filesystem;
 // The test executables sit in bin/ of the build tree, beside share/vantrel/ with the script in it.
 TEST(ResourceDirectory, FoundBesideTheRunningExecutable)
 {
-    const fs::path executable = fs::read_symlink("/proc/self/exe");
+    const fs::path executable = runningExecutable().path;
     const fs::path resources = resourceDirectory();
     EXPECT_EQ(resources, executable.parent_path().parent_path() / "share" / "vantrel");
     EXPECT_TRUE(fs::is_regular_file(resources / "vantrel.py"));

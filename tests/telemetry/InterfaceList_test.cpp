@@ -106,5 +106,37 @@ TEST(InterfaceList, BufferShorterThanAHeaderIsNotWalked)
     EXPECT_EQ(findInterfaceCounters(tail.buffer(), 4)->speed, 9U);
 }
 
+TEST(InterfaceList, SampleOfTheNamedInterface)
+{
+    ListBuilder list;
+    list.message(160, interfaceInfo2, 1, 10, 11, 12).message(160, interfaceInfo2, 4, 1'000'000'000, 777, 888);
+    const auto sample = interfaceSampleFrom("en0", 4, list.buffer());
+    ASSERT_TRUE(sample.has_value());
+    EXPECT_EQ(sample->name, "en0");
+    EXPECT_EQ(sample->received, 777U);
+    EXPECT_EQ(sample->sent, 888U);
+    EXPECT_EQ(sample->speed, 1'000'000'000U);
+}
+
+TEST(InterfaceList, NoSampleWithoutAnIndexAListOrARecord)
+{
+    ListBuilder list;
+    list.message(160, interfaceInfo2, 0, 1, 1, 1).message(160, interfaceInfo2, 4, 2, 2, 2);
+    struct Case {
+        unsigned int index;
+        std::optional<std::span<const std::byte>> buffer;
+        const char* what;
+    };
+    const std::vector<Case> cases{
+        {0, list.buffer(), "unknown name (index 0)"},
+        {65'536 + 4, list.buffer(), "an index wider than ifm_index"},
+        {4, std::nullopt, "the sysctl failed"},
+        {4, std::span<const std::byte>{}, "an empty list"},
+        {5, list.buffer(), "no record of the interface"},
+    };
+    for (const auto& c : cases)
+        EXPECT_FALSE(interfaceSampleFrom("en0", c.index, c.buffer).has_value()) << c.what;
+}
+
 } // namespace
 } // namespace vantrel
