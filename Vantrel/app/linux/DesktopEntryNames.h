@@ -6,7 +6,8 @@
 #include <string>
 #include <unordered_map>
 
-using GAppInfoMonitor = struct _GAppInfoMonitor;
+// GIO names the type so; declared here to keep GLib out of the includers.
+using GAppInfoMonitor = struct _GAppInfoMonitor; // NOLINT(bugprone-reserved-identifier)
 
 namespace vantrel {
 
