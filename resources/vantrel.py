@@ -3,8 +3,10 @@
 
 Usage: vantrel.py [--live] [--json]
 
-  --live  ask the Codex CLI's app server (`codex app-server`) for the account's rate limits; when that
-          fails, and always without --live, the newest figures recorded in Codex's session files are used
+  --live  fresh limits: the newest figures the Codex CLI recorded in its session files when they are at
+          most 60 s old, otherwise the account's rate limits as the CLI's app server (`codex app-server`)
+          reads them; when that fails, and always without --live, the newest figures in the session
+          files are used
   --json  print the document as one JSON object; otherwise a short summary in Czech
 
 The live exchange has a hard limit of 15 s, and the app server is always ended, also when this script
@@ -45,6 +47,9 @@ ENDING_TIME = 1.5
 APP_SERVER_FLAGS = ["--disable", "plugins", "--disable", "apps", "--disable", "remote_plugin"]
 # Session files read at most, newest first: enough to pass sessions that ended before any turn.
 SESSION_FILES_READ = 10
+# A session-file observation at most this old (s) answers a live read: the CLI records the account's
+# limits after every turn, so while the user works in Codex no server needs to start.
+FRESH_FOR = 60.0
 CLIENT_INFO = {"name": "vantrel", "title": "Vantrel", "version": "0.1.0"}
 INTERRUPTS = (signal.SIGINT, signal.SIGTERM, signal.SIGHUP)
 PRIMARY_BUCKET = "codex"
@@ -200,9 +205,10 @@ def codex_home():
 
 
 def newest_session_files(root, limit=SESSION_FILES_READ):
-    """Up to `limit` .jsonl files under root, newest first.
+    """Up to `limit` session files under root, newest first.
 
-    Names sort by time: YYYY/MM/DD/rollout-<time>-<id>.jsonl. Compressed (.jsonl.zst) files are skipped.
+    Names sort by time: YYYY/MM/DD/rollout-<time>-<id>.jsonl. Compressed ones (.jsonl.zst) are listed
+    too, for session_document to pass over.
     """
     found = []
 
@@ -216,7 +222,7 @@ def newest_session_files(root, limit=SESSION_FILES_READ):
                 return
             if entry.is_dir(follow_symlinks=False):
                 walk(entry.path)
-            elif entry.name.endswith(".jsonl") and entry.is_file():
+            elif entry.name.endswith((".jsonl", ".jsonl.zst")) and entry.is_file():
                 found.append(entry.path)
 
     walk(root)
@@ -239,8 +245,15 @@ def lines_from_end(path, block_size=65536):
 
 
 def session_document(home):
-    """The newest token_count event with limits in the newest session files, or None."""
+    """The newest token_count event with limits in the newest session files, or None.
+
+    A line the CLI is still writing is no JSON yet and counts as absent. Compressed files are passed
+    over: the CLI 0.169.0 writes them only with its unfinished feature local_thread_store_compression,
+    off by default, and Python's standard library reads no zstd before 3.14.
+    """
     for path in newest_session_files(os.path.join(home, "sessions")):
+        if path.endswith(".zst"):
+            continue
         try:
             for line in lines_from_end(path):
                 if b'"token_count"' in line and b'"rate_limits"' in line:
@@ -250,6 +263,12 @@ def session_document(home):
         except OSError:
             continue
     return None
+
+
+def is_fresh(observed_at, now):
+    """Whether an observation may stand for a live read: at most FRESH_FOR seconds old. One from the
+    future (a clock set back since, or another machine's) has no age to trust."""
+    return 0.0 <= now - observed_at <= FRESH_FOR
 
 
 def find_codex():
@@ -447,9 +466,15 @@ def summary(document):
 
 
 def limits_document(live):
-    """The live document when it has buckets, else the newest session file's, else the live one."""
+    """With --live: the session files' newest figures while fresh, else a live read when it gives buckets.
+    Otherwise, and without --live, the newest figures in the session files, else the bucketless live
+    document."""
+    home = codex_home()
+    stored = session_document(home)
     reason, document = "no live read asked for", None
     if live:
+        if stored is not None and is_fresh(stored["observedAt"], time.time()):
+            return stored
         try:
             document = live_document()
         except Unavailable as error:
@@ -457,7 +482,6 @@ def limits_document(live):
         if document is not None and document["buckets"]:
             return document
         reason = reason if document is None else "no limits in the live answer"
-    stored = session_document(codex_home())
     if stored is not None:
         if live:
             print(f"vantrel.py: {reason}; using a session file", file=sys.stderr)
@@ -465,8 +489,10 @@ def limits_document(live):
     if document is not None:
         # The panel tells the user that the service returned no limits.
         return document
-    sessions = os.path.join(codex_home(), "sessions")
-    raise Unavailable(f"{reason}; no rate limits in the session files under {sessions}")
+    sessions = os.path.join(home, "sessions")
+    compressed = any(path.endswith(".zst") for path in newest_session_files(sessions))
+    note = " (compressed .jsonl.zst files are not read)" if compressed else ""
+    raise Unavailable(f"{reason}; no rate limits in the session files under {sessions}{note}")
 
 
 def interrupt(signum, _frame):

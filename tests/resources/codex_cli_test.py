@@ -19,14 +19,14 @@ import time
 import unittest
 
 from codex_harness import InstallFailed, MockBackend, installed_codex, usage_payload, write_auth
-from script_support import (SESSION_LIMITS, SESSION_SECONDS, SESSION_TIME, run_script, token_count_line,
+from script_support import (SESSION_LIMITS, SESSION_SECONDS, SESSION_TIME, rfc3339, run_script, token_count_line,
                             write_session)
 
 SKIP = 77
 ISOLATED = "VANTREL_TEST_ISOLATED"
 # Every way a process names a peer address; the seccomp filter keeps other system calls untraced and fast.
 TRACE = ["strace", "-f", "--seccomp-bpf", "-qq", "-e", "signal=none",
-         "-e", "trace=connect,sendto,sendmsg,sendmmsg"]
+         "-e", "trace=connect,sendto,sendmsg,sendmmsg,execve"]
 INET_ADDRESS = re.compile(r"sa_family=(AF_INET6?)(.*?)\}")
 CODEX = None
 
@@ -133,6 +133,17 @@ class CodexCliTest(unittest.TestCase):
         self.assertEqual([path for _, _, path in self.backend.requests if "/plugins" in path], [])
         # The check of addresses is not vacuous: the CLI's connections to the mock are in the trace.
         self.assertIn(f"htons({self.backend.port})", trace_text)
+
+    def test_fresh_figures_in_a_session_file_start_no_cli(self):
+        write_auth(self.codex_home)
+        seconds = round(time.time() - 10, 3)
+        write_session(self.codex_home, "2026/03/14/rollout-2026-03-14T09-00-00-a.jsonl",
+                      [token_count_line(rfc3339(seconds), SESSION_LIMITS)])
+        finished, trace_text = self.run_live()
+        document = self.document(finished)
+        self.assertEqual((document["source"], document["observedAt"]), ("session", seconds))
+        self.assertEqual(self.backend.requests, [])
+        self.assertNotIn("codex", " ".join(re.findall(r'execve\("([^"]+)"', trace_text)))
 
     def test_reached_limit_with_spend_control(self):
         write_auth(self.codex_home)

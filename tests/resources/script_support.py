@@ -5,6 +5,7 @@ import json
 import os
 import subprocess
 import sys
+import time
 
 HERE = os.path.dirname(os.path.abspath(__file__))
 # CTest names the copy in the build tree; run by hand, the tests take the one in the source tree.
@@ -43,6 +44,12 @@ def server_log(path):
         return []
     with open(path, encoding="utf-8") as stream:
         return [json.loads(line) for line in stream]
+
+
+def rfc3339(seconds):
+    """A session file's timestamp: UTC with milliseconds."""
+    whole, milliseconds = divmod(round(seconds * 1000), 1000)
+    return time.strftime("%Y-%m-%dT%H:%M:%S", time.gmtime(whole)) + f".{milliseconds:03}Z"
 
 
 def token_count_line(timestamp, rate_limits):

@@ -9,8 +9,8 @@ import tempfile
 import time
 import unittest
 
-from script_support import (SCRIPT, SESSION_LIMITS, SESSION_SECONDS, SESSION_TIME, fake_codex, run_script,
-                            server_log, token_count_line, write_session)
+from script_support import (SCRIPT, SESSION_LIMITS, SESSION_SECONDS, SESSION_TIME, fake_codex, rfc3339,
+                            run_script, server_log, token_count_line, write_session)
 
 REPLY = {"rateLimits": {"limitId": "codex", "primary": {"usedPercent": 37, "windowDurationMins": 300},
                         "credits": {"balance": "3"}, "spendControlReached": False,
@@ -104,6 +104,27 @@ class CommandLineTest(unittest.TestCase):
         self.write_session()
         finished = self.run_with(["--live", "--json"], FAKE_SERVER_REPLY=NO_LIMITS)
         self.assertEqual(self.assert_document(finished)["source"], "session")
+
+    def test_a_fresh_session_observation_starts_no_server(self):
+        seconds = round(time.time() - 5, 3)
+        write_session(self.codex_home, "2026/03/14/rollout-2026-03-14T09-00-00-a.jsonl",
+                      [token_count_line(rfc3339(seconds), SESSION_LIMITS)])
+        finished = self.run_with(["--live", "--json"])
+        document = self.assert_document(finished)
+        self.assertEqual((document["source"], document["observedAt"]), ("session", seconds))
+        self.assertEqual((finished.stderr, server_log(self.log)), ("", []))
+
+    def test_an_old_session_observation_is_read_live(self):
+        write_session(self.codex_home, "2026/03/14/rollout-2026-03-14T09-00-00-a.jsonl",
+                      [token_count_line(rfc3339(time.time() - 120), SESSION_LIMITS)])
+        document = self.assert_document(self.run_with(["--live", "--json"]))
+        self.assertEqual(document["source"], "live")
+        self.assertEqual([event["event"] for event in server_log(self.log)][0], "start")
+
+    def test_compressed_session_files_are_named_as_not_read(self):
+        write_session(self.codex_home, "2026/03/14/rollout-2026-03-14T09-00-00-a.jsonl.zst", ["\x28\xb5"])
+        finished = self.run_with(["--json"])
+        self.assert_nothing_to_report(finished, "compressed .jsonl.zst files are not read")
 
     def test_summary_in_czech(self):
         finished = self.run_with(["--live"])
