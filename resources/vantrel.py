@@ -14,7 +14,8 @@ is interrupted. With nothing to report the exit status is 1, the reason is one l
 and standard output stays empty.
 
 Environment:
-  VANTREL_CODEX         the codex executable to run (otherwise PATH, then the usual install places)
+  VANTREL_CODEX         the codex executable to run (otherwise PATH, the usual install places, then npm's
+                        global prefix, which is remembered in $XDG_CACHE_HOME/vantrel/npm-prefix.json)
   VANTREL_CODEX_CONFIG  extra `-c key=value` overrides for the app server, one per line (the tests
                         point the CLI at a local backend with it)
   CODEX_HOME            the CLI's home (default ~/.codex); the session files lie under its sessions/
@@ -29,7 +30,6 @@ import json
 import os
 import re
 import selectors
-import shutil
 import signal
 import subprocess
 import sys
@@ -55,6 +55,11 @@ INTERRUPTS = (signal.SIGINT, signal.SIGTERM, signal.SIGHUP)
 PRIMARY_BUCKET = "codex"
 NUMBER_LIMIT = 10**15
 SLOTS = (("primary", "krátkodobý limit"), ("secondary", "dlouhodobý limit"))
+# Where npm's launcher (bin/codex.js of @openai/codex) finds the CLI's own binary, by system and machine.
+NATIVE_TARGETS = {("linux", "x86_64"): ("x86_64-unknown-linux-musl", "codex-linux-x64"),
+                  ("linux", "aarch64"): ("aarch64-unknown-linux-musl", "codex-linux-arm64"),
+                  ("darwin", "x86_64"): ("x86_64-apple-darwin", "codex-darwin-x64"),
+                  ("darwin", "arm64"): ("aarch64-apple-darwin", "codex-darwin-arm64")}
 
 
 class Unavailable(Exception):
@@ -271,32 +276,134 @@ def is_fresh(observed_at, now):
     return 0.0 <= now - observed_at <= FRESH_FOR
 
 
-def find_codex():
-    """The codex executable: VANTREL_CODEX, PATH, then where a desktop session's PATH often misses it."""
-    named = os.environ.get("VANTREL_CODEX")
-    if named:
-        return named if os.access(named, os.X_OK) else None
-    found = shutil.which("codex")
-    if found:
-        return found
-    home = os.path.expanduser("~")
-    for place in (npm_global_bin(), os.path.join(home, ".local", "bin"),
-                  os.path.join(home, ".npm-global", "bin"), "/usr/local/bin"):
-        found = shutil.which("codex", path=place) if place else None
-        if found:
-            return found
+def executable_in(name, directories):
+    """The first executable file `name` in the directories, or None."""
+    for directory in directories:
+        path = os.path.join(directory, name)
+        if os.path.isfile(path) and os.access(path, os.X_OK):
+            return path
     return None
 
 
-def npm_global_bin():
-    prefix = os.environ.get("npm_config_prefix") or os.environ.get("NPM_CONFIG_PREFIX")
-    if not prefix and shutil.which("npm"):
+def search_path():
+    return [entry for entry in os.environ.get("PATH", os.defpath).split(os.pathsep) if entry]
+
+
+def find_codex():
+    """The codex executable: VANTREL_CODEX, PATH, the npm prefix named in the environment, where a
+    desktop session's PATH often misses it, then npm's global prefix as npm tells it."""
+    named = os.environ.get("VANTREL_CODEX")
+    if named:
+        return named if os.access(named, os.X_OK) else None
+    home = os.path.expanduser("~")
+    places = search_path()
+    named_prefix = os.environ.get("npm_config_prefix") or os.environ.get("NPM_CONFIG_PREFIX")
+    if named_prefix:
+        places.append(os.path.join(named_prefix, "bin"))
+    places += [os.path.join(home, ".local", "bin"), os.path.join(home, ".npm-global", "bin"), "/usr/local/bin"]
+    found = executable_in("codex", places)
+    if found:
+        return found
+    prefix = npm_prefix()
+    return executable_in("codex", [os.path.join(prefix, "bin")]) if prefix else None
+
+
+def cache_file(name):
+    cache = os.environ.get("XDG_CACHE_HOME") or os.path.join(os.path.expanduser("~"), ".cache")
+    return os.path.join(cache, "vantrel", name)
+
+
+def file_stamp(path):
+    """What changes when a file is replaced or rewritten: inode, size and modification time; None if absent."""
+    try:
+        info = os.stat(path)
+    except OSError:
+        return None
+    return [info.st_ino, info.st_size, info.st_mtime_ns]
+
+
+def npm_prefix():
+    """npm's global prefix as npm told it before, else as npm tells it now.
+
+    Asking npm costs about 0.3 s of CPU, so its answer is kept in the cache with the stamps of npm and of
+    the files its prefix is configured in; a change to any of them makes npm answer again.
+    """
+    npm = executable_in("npm", search_path())
+    if npm is None:
+        return None
+    user_config = os.environ.get("NPM_CONFIG_USERCONFIG") or os.path.join(os.path.expanduser("~"), ".npmrc")
+    npm = os.path.realpath(npm)
+    key = [npm, file_stamp(npm), file_stamp(user_config), file_stamp("/etc/npmrc")]
+    path = cache_file("npm-prefix.json")
+    try:
+        with open(path, encoding="utf-8") as stream:
+            remembered = json.load(stream)
+        if remembered["key"] == key and isinstance(remembered["prefix"], str):
+            return remembered["prefix"]
+    except (OSError, ValueError, TypeError, KeyError):
+        pass
+    prefix = asked_npm_prefix(npm)
+    if prefix:
+        remember(path, {"key": key, "prefix": prefix})
+    return prefix
+
+
+def asked_npm_prefix(npm):
+    import subprocess
+
+    try:
+        return subprocess.run([npm, "config", "get", "prefix"], capture_output=True, text=True, timeout=5,
+                              stdin=subprocess.DEVNULL).stdout.strip() or None
+    except (OSError, subprocess.SubprocessError):
+        return None
+
+
+def remember(path, content):
+    """Writes the cache file whole or not at all; a cache that cannot be written costs only time."""
+    temporary = f"{path}.{os.getpid()}"
+    try:
+        os.makedirs(os.path.dirname(path), mode=0o700, exist_ok=True)
+        with open(temporary, "w", encoding="utf-8") as stream:
+            json.dump(content, stream)
+        os.replace(temporary, path)
+    except OSError as error:
+        print(f"vantrel.py: cannot remember npm's prefix in {path}: {error.strerror}", file=sys.stderr)
         try:
-            prefix = subprocess.run(["npm", "config", "get", "prefix"], capture_output=True, text=True,
-                                    timeout=5, stdin=subprocess.DEVNULL).stdout.strip()
-        except (OSError, subprocess.SubprocessError):
-            return None
-    return os.path.join(prefix, "bin") if prefix else None
+            os.remove(temporary)
+        except OSError:
+            pass
+
+
+def native_binary(codex):
+    """The CLI's own binary beside npm's launcher (bin/codex.js of the package @openai/codex) and the
+    package's root, or None for any other codex. Starting it directly saves node's start."""
+    script = os.path.realpath(codex)
+    target = NATIVE_TARGETS.get((sys.platform, os.uname().machine))
+    if os.path.basename(script) != "codex.js" or target is None:
+        return None
+    triple, platform_package = target
+    package = os.path.dirname(os.path.dirname(script))
+    # Where npm puts the platform package: inside the package (a global install), beside it (hoisted),
+    # or the package's own vendor folder (older releases).
+    for vendor in (os.path.join(package, "node_modules", "@openai", platform_package, "vendor"),
+                   os.path.join(os.path.dirname(package), platform_package, "vendor"),
+                   os.path.join(package, "vendor")):
+        found = executable_in("codex", [os.path.join(vendor, triple, "bin")])
+        if found:
+            return found, package
+    return None
+
+
+def launch(codex):
+    """The command that starts the app server of this codex, and the environment it needs."""
+    environment = dict(os.environ)
+    native = native_binary(codex)
+    if native is None:
+        return app_server_command(codex), environment
+    binary, package = native
+    # What the launcher tells the binary about its installation (the CLI's update hints read it).
+    environment.update(CODEX_MANAGED_PACKAGE_ROOT=package, CODEX_MANAGED_BY_NPM="1")
+    return app_server_command(binary), environment
 
 
 def app_server_command(codex):
@@ -311,10 +418,10 @@ class AppServer:
     If this script is killed outright, the server sees its standard input close and exits by itself.
     """
 
-    def __init__(self, command, deadline):
+    def __init__(self, command, deadline, environment=None):
         self.deadline = deadline
         self.buffer = b""
-        environment = dict(os.environ)
+        environment = dict(os.environ if environment is None else environment)
         # A codex installed by npm is a `#!/usr/bin/env node` script whose node sits beside it.
         directory = os.path.dirname(os.path.abspath(command[0]))
         environment["PATH"] = os.pathsep.join([directory, environment.get("PATH", "")])
@@ -397,11 +504,11 @@ class AppServer:
                 continue
 
 
-def read_live(command, time_limit=LIVE_TIME_LIMIT):
+def read_live(command, time_limit=LIVE_TIME_LIMIT, environment=None):
     """The `account/rateLimits/read` result and the moment it arrived (Unix seconds)."""
     started = time.monotonic()
     try:
-        server = AppServer(command, started + time_limit - ENDING_TIME)
+        server = AppServer(command, started + time_limit - ENDING_TIME, environment)
     except OSError as error:
         raise Unavailable(f"cannot start {command[0]}: {error.strerror}") from None
     try:
@@ -417,7 +524,8 @@ def live_document():
     codex = find_codex()
     if codex is None:
         raise Unavailable("Codex CLI not found (install it, or name it in VANTREL_CODEX)")
-    result, observed_at = read_live(app_server_command(codex))
+    command, environment = launch(codex)
+    result, observed_at = read_live(command, environment=environment)
     return document_from_reply(result, observed_at)
 
 

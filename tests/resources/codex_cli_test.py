@@ -133,6 +133,10 @@ class CodexCliTest(unittest.TestCase):
         self.assertEqual([path for _, _, path in self.backend.requests if "/plugins" in path], [])
         # The check of addresses is not vacuous: the CLI's connections to the mock are in the trace.
         self.assertIn(f"htons({self.backend.port})", trace_text)
+        # npm's launcher is passed over: its node never runs, the CLI's own binary does.
+        started = re.findall(r'execve\("([^"]+)"', trace_text)
+        self.assertFalse([path for path in started if os.path.basename(path) == "node"], started)
+        self.assertIn(os.path.join("vendor", "x86_64-unknown-linux-musl", "bin", "codex"), " ".join(started))
 
     def test_fresh_figures_in_a_session_file_start_no_cli(self):
         write_auth(self.codex_home)
