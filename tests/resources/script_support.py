@@ -21,11 +21,28 @@ def load_script():
     return module
 
 
-def run_script(arguments, environment, prefix=(), timeout=60):
+def run_script(arguments, environment, prefix=(), timeout=60, **options):
     """Runs the script as the application does and returns the finished process (text output)."""
     command = [*prefix, sys.executable, SCRIPT, *arguments]
     return subprocess.run(command, env=environment, capture_output=True, text=True, timeout=timeout,
-                          stdin=subprocess.DEVNULL)
+                          stdin=subprocess.DEVNULL, **options)
+
+
+def running(pid):
+    """Whether the process runs (a zombie has ended)."""
+    try:
+        with open(f"/proc/{pid}/stat", encoding="ascii", errors="replace") as stream:
+            return stream.read().rpartition(")")[2].split()[0] not in ("Z", "X")
+    except OSError:
+        return False
+
+
+def wait_until(condition, what, timeout=10.0):
+    deadline = time.monotonic() + timeout
+    while not condition():
+        if time.monotonic() > deadline:
+            raise AssertionError(f"timed out waiting for {what}")
+        time.sleep(0.02)
 
 
 def fake_codex(directory):

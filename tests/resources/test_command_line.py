@@ -126,6 +126,15 @@ class CommandLineTest(unittest.TestCase):
         finished = self.run_with(["--json"])
         self.assert_nothing_to_report(finished, "compressed .jsonl.zst files are not read")
 
+    def test_arguments(self):
+        self.assertIn("Usage: vantrel.py [--live] [--json]", self.run_with(["--help"]).stdout)
+        for arguments in (["--lve"], ["--live", "extra"], ["--keep", "socket"]):
+            with self.subTest(arguments=arguments):
+                finished = self.run_with(arguments)
+                self.assertEqual((finished.returncode, finished.stdout), (2, ""))
+                self.assertIn("usage: vantrel.py [--live] [--json]", finished.stderr)
+        self.assertEqual(server_log(self.log), [])
+
     def test_summary_in_czech(self):
         finished = self.run_with(["--live"])
         self.assertEqual(finished.returncode, 0, finished.stderr)

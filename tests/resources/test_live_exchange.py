@@ -7,6 +7,7 @@ import os
 import shutil
 import sys
 import tempfile
+import time
 import unittest
 from unittest import mock
 
@@ -40,15 +41,14 @@ class LiveExchangeTest(unittest.TestCase):
 
     def read(self, mode, time_limit=vantrel.LIVE_TIME_LIMIT):
         os.environ["FAKE_SERVER_MODE"] = mode
-        return vantrel.read_live(vantrel.app_server_command(self.codex), time_limit)
+        deadline = time.monotonic() + time_limit - vantrel.ENDING_TIME
+        return vantrel.read_one_shot(vantrel.app_server_command(self.codex), deadline)
 
     def server_pid(self):
         return server_log(self.log)[0]["pid"]
 
     def test_handshake_request_and_end(self):
-        result, observed_at = self.read("normal")
-        self.assertEqual(result, REPLY)
-        self.assertIsInstance(observed_at, float)
+        self.assertEqual(self.read("normal"), REPLY)
         events = server_log(self.log)
         self.assertEqual(events[0]["argv"], ["app-server", *FLAGS])
         self.assertEqual(events[0]["path"].split(os.pathsep)[0], self.directory.name)
@@ -64,7 +64,7 @@ class LiveExchangeTest(unittest.TestCase):
     def test_notifications_and_broken_lines_are_skipped(self):
         for mode in ("chatty", "split"):
             with self.subTest(mode=mode):
-                self.assertEqual(self.read(mode)[0], REPLY)
+                self.assertEqual(self.read(mode), REPLY)
 
     def test_an_error_reply(self):
         with self.assertRaisesRegex(vantrel.Unavailable, "authentication required to read rate limits"):
@@ -84,12 +84,13 @@ class LiveExchangeTest(unittest.TestCase):
                 os.remove(self.log)
 
     def test_a_server_that_stays_after_answering_is_killed(self):
-        self.assertEqual(self.read("lingering")[0], REPLY)
+        self.assertEqual(self.read("lingering"), REPLY)
         self.assertFalse(process_exists(self.server_pid()))
 
     def test_a_command_that_cannot_start(self):
         with self.assertRaisesRegex(vantrel.Unavailable, "cannot start"):
-            vantrel.read_live([os.path.join(self.directory.name, "missing"), "app-server"])
+            vantrel.read_one_shot([os.path.join(self.directory.name, "missing"), "app-server"],
+                                  time.monotonic() + 5)
 
     def test_config_overrides_come_from_the_environment(self):
         overrides = ('chatgpt_base_url="http://127.0.0.1:9/backend-api/"\n'
