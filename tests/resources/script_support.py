@@ -55,6 +55,16 @@ def fake_codex(directory):
     return path
 
 
+def stand_in_environment(root, reply):
+    """A run's environment against fake_app_server.py answering `reply`, all under root: HOME, a CODEX_HOME
+    (not made yet), the server's log (FAKE_SERVER_LOG) and a PATH with nothing on it."""
+    empty_path = os.path.join(root, "bin")
+    os.makedirs(empty_path)
+    return {"HOME": os.path.join(root, "home"), "PATH": empty_path, "CODEX_HOME": os.path.join(root, "codex-home"),
+            "VANTREL_CODEX": fake_codex(root), "FAKE_SERVER_LOG": os.path.join(root, "server.log"),
+            "FAKE_SERVER_MODE": "normal", "FAKE_SERVER_REPLY": json.dumps(reply), "LANG": "C.UTF-8"}
+
+
 def server_log(path):
     """The events fake_app_server.py logged."""
     if not os.path.exists(path):

@@ -9,8 +9,8 @@ import tempfile
 import time
 import unittest
 
-from script_support import (SCRIPT, SESSION_LIMITS, SESSION_SECONDS, SESSION_TIME, fake_codex, rfc3339,
-                            run_script, server_log, token_count_line, write_session)
+from script_support import (SCRIPT, SESSION_LIMITS, SESSION_SECONDS, SESSION_TIME, rfc3339, run_script,
+                            server_log, stand_in_environment, token_count_line, write_session)
 
 REPLY = {"rateLimits": {"limitId": "codex", "primary": {"usedPercent": 37, "windowDurationMins": 300},
                         "credits": {"balance": "3"}, "spendControlReached": False,
@@ -21,16 +21,8 @@ NO_LIMITS = '{"rateLimits": null}'
 class CommandLineTest(unittest.TestCase):
     def setUp(self):
         self.directory = tempfile.TemporaryDirectory()
-        root = self.directory.name
-        self.codex_home = os.path.join(root, "codex-home")
-        self.log = os.path.join(root, "server.log")
-        empty_path = os.path.join(root, "bin")
-        os.makedirs(empty_path)
-        self.environment = {
-            "HOME": os.path.join(root, "home"), "PATH": empty_path, "CODEX_HOME": self.codex_home,
-            "VANTREL_CODEX": fake_codex(root), "FAKE_SERVER_LOG": self.log, "FAKE_SERVER_MODE": "normal",
-            "FAKE_SERVER_REPLY": json.dumps(REPLY), "LANG": "C.UTF-8",
-        }
+        self.environment = stand_in_environment(self.directory.name, REPLY)
+        self.codex_home, self.log = self.environment["CODEX_HOME"], self.environment["FAKE_SERVER_LOG"]
 
     def tearDown(self):
         self.directory.cleanup()

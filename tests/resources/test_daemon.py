@@ -1,13 +1,12 @@
 """Reading through a running Codex daemon, against a stand-in on the control socket."""
 
 import json
-import os
 import tempfile
 import unittest
 
 from fake_daemon import FakeDaemon
-from script_support import (SESSION_LIMITS, SESSION_SECONDS, SESSION_TIME, fake_codex, run_script, server_log,
-                            token_count_line, write_session)
+from script_support import (SESSION_LIMITS, SESSION_SECONDS, SESSION_TIME, run_script, server_log,
+                            stand_in_environment, token_count_line, write_session)
 
 REPLY = {"rateLimits": {"limitId": "codex", "primary": {"usedPercent": 21}}}
 SERVER_REPLY = {"rateLimits": {"limitId": "codex", "primary": {"usedPercent": 50}}}
@@ -16,16 +15,8 @@ SERVER_REPLY = {"rateLimits": {"limitId": "codex", "primary": {"usedPercent": 50
 class DaemonTest(unittest.TestCase):
     def setUp(self):
         self.directory = tempfile.TemporaryDirectory()
-        root = self.directory.name
-        self.codex_home = os.path.join(root, "codex-home")
-        self.log = os.path.join(root, "server.log")
-        empty_path = os.path.join(root, "bin")
-        os.makedirs(empty_path)
-        self.environment = {
-            "HOME": os.path.join(root, "home"), "PATH": empty_path, "CODEX_HOME": self.codex_home,
-            "VANTREL_CODEX": fake_codex(root), "FAKE_SERVER_LOG": self.log, "FAKE_SERVER_MODE": "normal",
-            "FAKE_SERVER_REPLY": json.dumps(SERVER_REPLY), "LANG": "C.UTF-8",
-        }
+        self.environment = stand_in_environment(self.directory.name, SERVER_REPLY)
+        self.codex_home, self.log = self.environment["CODEX_HOME"], self.environment["FAKE_SERVER_LOG"]
 
     def tearDown(self):
         self.directory.cleanup()

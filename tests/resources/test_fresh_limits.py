@@ -1,13 +1,12 @@
 """A live read answered from the session files while their newest limits are fresh."""
 
-import json
 import os
 import tempfile
 import unittest
 from unittest import mock
 
-from script_support import (SESSION_LIMITS, fake_codex, load_script, rfc3339, server_log, token_count_line,
-                            write_session)
+from script_support import (SESSION_LIMITS, load_script, rfc3339, server_log, stand_in_environment,
+                            token_count_line, write_session)
 
 vantrel = load_script()
 OBSERVED = 1800000000.0
@@ -28,12 +27,9 @@ class FreshLimitsTest(unittest.TestCase):
 
     def setUp(self):
         self.directory = tempfile.TemporaryDirectory()
-        root = self.directory.name
-        self.home = os.path.join(root, "codex-home")
-        self.log = os.path.join(root, "server.log")
-        self.environment = mock.patch.dict(os.environ, {
-            "CODEX_HOME": self.home, "VANTREL_CODEX": fake_codex(root), "FAKE_SERVER_LOG": self.log,
-            "FAKE_SERVER_MODE": "normal", "FAKE_SERVER_REPLY": json.dumps(REPLY)})
+        environment = stand_in_environment(self.directory.name, REPLY)
+        self.home, self.log = environment["CODEX_HOME"], environment["FAKE_SERVER_LOG"]
+        self.environment = mock.patch.dict(os.environ, environment)
         self.environment.start()
         for name in ("XDG_RUNTIME_DIR", "VANTREL_CODEX_CONFIG"):
             os.environ.pop(name, None)

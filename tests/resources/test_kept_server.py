@@ -11,7 +11,7 @@ import tempfile
 import time
 import unittest
 
-from script_support import SCRIPT, fake_codex, run_script, running, server_log, wait_until
+from script_support import SCRIPT, run_script, running, server_log, stand_in_environment, wait_until
 
 REPLY = {"rateLimits": {"limitId": "codex", "primary": {"usedPercent": 37}}}
 # A stand-in for Vantrel: it runs the script as a process group of its own, then stays.
@@ -24,19 +24,12 @@ REQUESTER = ("import subprocess, sys, time\n"
 class KeptServerTest(unittest.TestCase):
     def setUp(self):
         self.directory = tempfile.TemporaryDirectory()
-        root = self.directory.name
-        self.runtime = os.path.join(root, "run")
-        os.makedirs(self.runtime, mode=0o700)
-        self.codex_home = os.path.join(root, "codex-home")
+        self.environment = stand_in_environment(self.directory.name, REPLY)
+        self.codex_home, self.log = self.environment["CODEX_HOME"], self.environment["FAKE_SERVER_LOG"]
         os.makedirs(self.codex_home)
-        self.log = os.path.join(root, "server.log")
-        empty_path = os.path.join(root, "bin")
-        os.makedirs(empty_path)
-        self.environment = {
-            "HOME": os.path.join(root, "home"), "PATH": empty_path, "CODEX_HOME": self.codex_home,
-            "VANTREL_CODEX": fake_codex(root), "FAKE_SERVER_LOG": self.log, "FAKE_SERVER_MODE": "normal",
-            "FAKE_SERVER_REPLY": json.dumps(REPLY), "LANG": "C.UTF-8", "XDG_RUNTIME_DIR": self.runtime,
-        }
+        self.runtime = os.path.join(self.directory.name, "run")
+        os.makedirs(self.runtime, mode=0o700)
+        self.environment["XDG_RUNTIME_DIR"] = self.runtime
 
     def tearDown(self):
         for pid in self.keepers():
