@@ -6,6 +6,7 @@ so that any connection to an address other than 127.0.0.1 fails the test.
 """
 
 import fcntl
+import glob
 import json
 import os
 import re
@@ -19,16 +20,25 @@ import time
 import unittest
 
 from codex_harness import InstallFailed, MockBackend, installed_codex, usage_payload, write_auth
-from script_support import (SESSION_LIMITS, SESSION_SECONDS, SESSION_TIME, run_script, token_count_line,
-                            write_session)
+from script_support import (SCRIPT, SESSION_LIMITS, SESSION_SECONDS, SESSION_TIME, rfc3339, run_script, running,
+                            token_count_line, wait_until, write_session)
 
 SKIP = 77
 ISOLATED = "VANTREL_TEST_ISOLATED"
 # Every way a process names a peer address; the seccomp filter keeps other system calls untraced and fast.
 TRACE = ["strace", "-f", "--seccomp-bpf", "-qq", "-e", "signal=none",
-         "-e", "trace=connect,sendto,sendmsg,sendmmsg"]
+         "-e", "trace=connect,sendto,sendmsg,sendmmsg,execve"]
 INET_ADDRESS = re.compile(r"sa_family=(AF_INET6?)(.*?)\}")
 CODEX = None
+CODEX_BINARY_NAME = "x86_64-unknown-linux-musl/bin/codex"
+# A stand-in for Vantrel: it runs the script (its arguments) three times, each run a process group of its
+# own, prints each document, then stays until it is killed.
+REQUESTER = ("import subprocess, sys, time\n"
+             "for _ in range(3):\n"
+             "    run = subprocess.run([*sys.argv[1:], '--live', '--json'], process_group=0,\n"
+             "                         stdout=subprocess.PIPE, text=True)\n"
+             "    print(run.stdout.strip(), flush=True)\n"
+             "time.sleep(600)\n")
 
 
 def bring_loopback_up():
@@ -48,6 +58,27 @@ def isolating_prefix():
         if subprocess.run([*prefix, "true"], capture_output=True).returncode == 0:
             return prefix
     return None
+
+
+def children(pid):
+    """The processes whose parent is pid."""
+    found = []
+    for name in os.listdir("/proc"):
+        try:
+            with open(f"/proc/{name}/stat", encoding="ascii", errors="replace") as stream:
+                if name.isdigit() and int(stream.read().rpartition(")")[2].split()[1]) == pid:
+                    found.append(int(name))
+        except (OSError, ValueError, IndexError):
+            continue
+    return found
+
+
+def command_line(pid):
+    try:
+        with open(f"/proc/{pid}/cmdline", "rb") as stream:
+            return stream.read().replace(b"\0", b" ").decode(errors="replace")
+    except OSError:
+        return ""
 
 
 def foreign_addresses(trace_text):
@@ -133,6 +164,72 @@ class CodexCliTest(unittest.TestCase):
         self.assertEqual([path for _, _, path in self.backend.requests if "/plugins" in path], [])
         # The check of addresses is not vacuous: the CLI's connections to the mock are in the trace.
         self.assertIn(f"htons({self.backend.port})", trace_text)
+        # npm's launcher is passed over: its node never runs, the CLI's own binary does.
+        started = re.findall(r'execve\("([^"]+)"', trace_text)
+        self.assertFalse([path for path in started if os.path.basename(path) == "node"], started)
+        self.assertIn(os.path.join("vendor", "x86_64-unknown-linux-musl", "bin", "codex"), " ".join(started))
+
+    def test_fresh_figures_in_a_session_file_start_no_cli(self):
+        write_auth(self.codex_home)
+        seconds = round(time.time() - 10, 3)
+        write_session(self.codex_home, "2026/03/14/rollout-2026-03-14T09-00-00-a.jsonl",
+                      [token_count_line(rfc3339(seconds), SESSION_LIMITS)])
+        finished, trace_text = self.run_live()
+        document = self.document(finished)
+        self.assertEqual((document["source"], document["observedAt"]), ("session", seconds))
+        self.assertEqual(self.backend.requests, [])
+        self.assertNotIn("codex", " ".join(re.findall(r'execve\("([^"]+)"', trace_text)))
+
+    def test_a_running_daemon_answers(self):
+        """The real app server listening on the daemon's control socket, as `codex app-server daemon` runs
+        it; the script has no codex of its own to start, so only the daemon can answer."""
+        write_auth(self.codex_home)
+        control = os.path.join(self.codex_home, "app-server-control", "app-server-control.sock")
+        os.makedirs(os.path.dirname(control))
+        overrides = [arg for item in self.backend.config_overrides().splitlines() for arg in ("-c", item)]
+        daemon = subprocess.Popen([CODEX, "app-server", "--listen", f"unix://{control}", *overrides],
+                                  env={**self.environment, "VANTREL_CODEX": ""}, stdin=subprocess.DEVNULL,
+                                  stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        try:
+            wait_until(lambda: os.path.exists(control), "the daemon's control socket", timeout=60)
+            del self.environment["VANTREL_CODEX_CONFIG"]
+            self.environment["VANTREL_CODEX"] = os.path.join(self.codex_home, "no-codex-here")
+            finished, _ = self.run_live()
+            self.assertEqual(self.document(finished)["buckets"][0]["windows"][0]["remainingPercent"], 63)
+            self.assertIn(("127.0.0.1", "GET", "/backend-api/wham/usage"), self.backend.requests)
+        finally:
+            daemon.terminate()
+            daemon.wait(30)
+
+    def test_a_kept_server_answers_every_read_and_ends_with_vantrel(self):
+        """Not traced: strace would wait for the keeper, which outlives the run on purpose. The private
+        network namespace still keeps every packet on this machine."""
+        if not os.environ.get(ISOLATED):
+            self.skipTest("only where no packet can leave the machine")
+        write_auth(self.codex_home)
+        runtime = os.path.join(os.path.dirname(self.codex_home), "run")
+        os.makedirs(runtime, mode=0o700)
+        self.environment["XDG_RUNTIME_DIR"] = runtime
+        # A stand-in for Vantrel: it runs the script three times, each in a process group of its own.
+        requester = subprocess.Popen([sys.executable, "-c", REQUESTER, sys.executable, SCRIPT],
+                                     env=self.environment, stdout=subprocess.PIPE, text=True)
+        try:
+            documents = [json.loads(requester.stdout.readline()) for _ in range(3)]
+            self.assertEqual([document["source"] for document in documents], ["live"] * 3)
+            usage = [path for _, _, path in self.backend.requests if path == "/backend-api/wham/usage"]
+            self.assertEqual(len(usage), 3)
+            locks = glob.glob(os.path.join(runtime, "vantrel", "*.lock"))
+            self.assertEqual(len(locks), 1, locks)
+            with open(locks[0], encoding="ascii") as stream:
+                keeper = int(stream.read())
+            servers = children(keeper)
+            self.assertEqual(len(servers), 1)
+            self.assertIn(CODEX_BINARY_NAME, command_line(servers[0]))
+        finally:
+            requester.kill()
+            requester.wait()
+            requester.stdout.close()
+        wait_until(lambda: not running(keeper) and not running(servers[0]), "the keeper and its server to end")
 
     def test_reached_limit_with_spend_control(self):
         write_auth(self.codex_home)

@@ -5,6 +5,7 @@ import json
 import os
 import subprocess
 import sys
+import time
 
 HERE = os.path.dirname(os.path.abspath(__file__))
 # CTest names the copy in the build tree; run by hand, the tests take the one in the source tree.
@@ -20,11 +21,28 @@ def load_script():
     return module
 
 
-def run_script(arguments, environment, prefix=(), timeout=60):
+def run_script(arguments, environment, prefix=(), timeout=60, **options):
     """Runs the script as the application does and returns the finished process (text output)."""
     command = [*prefix, sys.executable, SCRIPT, *arguments]
     return subprocess.run(command, env=environment, capture_output=True, text=True, timeout=timeout,
-                          stdin=subprocess.DEVNULL)
+                          stdin=subprocess.DEVNULL, **options)
+
+
+def running(pid):
+    """Whether the process runs (a zombie has ended)."""
+    try:
+        with open(f"/proc/{pid}/stat", encoding="ascii", errors="replace") as stream:
+            return stream.read().rpartition(")")[2].split()[0] not in ("Z", "X")
+    except OSError:
+        return False
+
+
+def wait_until(condition, what, timeout=10.0):
+    deadline = time.monotonic() + timeout
+    while not condition():
+        if time.monotonic() > deadline:
+            raise AssertionError(f"timed out waiting for {what}")
+        time.sleep(0.02)
 
 
 def fake_codex(directory):
@@ -37,12 +55,28 @@ def fake_codex(directory):
     return path
 
 
+def stand_in_environment(root, reply):
+    """A run's environment against fake_app_server.py answering `reply`, all under root: HOME, a CODEX_HOME
+    (not made yet), the server's log (FAKE_SERVER_LOG) and a PATH with nothing on it."""
+    empty_path = os.path.join(root, "bin")
+    os.makedirs(empty_path)
+    return {"HOME": os.path.join(root, "home"), "PATH": empty_path, "CODEX_HOME": os.path.join(root, "codex-home"),
+            "VANTREL_CODEX": fake_codex(root), "FAKE_SERVER_LOG": os.path.join(root, "server.log"),
+            "FAKE_SERVER_MODE": "normal", "FAKE_SERVER_REPLY": json.dumps(reply), "LANG": "C.UTF-8"}
+
+
 def server_log(path):
     """The events fake_app_server.py logged."""
     if not os.path.exists(path):
         return []
     with open(path, encoding="utf-8") as stream:
         return [json.loads(line) for line in stream]
+
+
+def rfc3339(seconds):
+    """A session file's timestamp: UTC with milliseconds."""
+    whole, milliseconds = divmod(round(seconds * 1000), 1000)
+    return time.strftime("%Y-%m-%dT%H:%M:%S", time.gmtime(whole)) + f".{milliseconds:03}Z"
 
 
 def token_count_line(timestamp, rate_limits):

@@ -9,8 +9,8 @@ import tempfile
 import time
 import unittest
 
-from script_support import (SCRIPT, SESSION_LIMITS, SESSION_SECONDS, SESSION_TIME, fake_codex, run_script,
-                            server_log, token_count_line, write_session)
+from script_support import (SCRIPT, SESSION_LIMITS, SESSION_SECONDS, SESSION_TIME, rfc3339, run_script,
+                            server_log, stand_in_environment, token_count_line, write_session)
 
 REPLY = {"rateLimits": {"limitId": "codex", "primary": {"usedPercent": 37, "windowDurationMins": 300},
                         "credits": {"balance": "3"}, "spendControlReached": False,
@@ -21,16 +21,8 @@ NO_LIMITS = '{"rateLimits": null}'
 class CommandLineTest(unittest.TestCase):
     def setUp(self):
         self.directory = tempfile.TemporaryDirectory()
-        root = self.directory.name
-        self.codex_home = os.path.join(root, "codex-home")
-        self.log = os.path.join(root, "server.log")
-        empty_path = os.path.join(root, "bin")
-        os.makedirs(empty_path)
-        self.environment = {
-            "HOME": os.path.join(root, "home"), "PATH": empty_path, "CODEX_HOME": self.codex_home,
-            "VANTREL_CODEX": fake_codex(root), "FAKE_SERVER_LOG": self.log, "FAKE_SERVER_MODE": "normal",
-            "FAKE_SERVER_REPLY": json.dumps(REPLY), "LANG": "C.UTF-8",
-        }
+        self.environment = stand_in_environment(self.directory.name, REPLY)
+        self.codex_home, self.log = self.environment["CODEX_HOME"], self.environment["FAKE_SERVER_LOG"]
 
     def tearDown(self):
         self.directory.cleanup()
@@ -104,6 +96,36 @@ class CommandLineTest(unittest.TestCase):
         self.write_session()
         finished = self.run_with(["--live", "--json"], FAKE_SERVER_REPLY=NO_LIMITS)
         self.assertEqual(self.assert_document(finished)["source"], "session")
+
+    def test_a_fresh_session_observation_starts_no_server(self):
+        seconds = round(time.time() - 5, 3)
+        write_session(self.codex_home, "2026/03/14/rollout-2026-03-14T09-00-00-a.jsonl",
+                      [token_count_line(rfc3339(seconds), SESSION_LIMITS)])
+        finished = self.run_with(["--live", "--json"])
+        document = self.assert_document(finished)
+        self.assertEqual((document["source"], document["observedAt"]), ("session", seconds))
+        self.assertEqual((finished.stderr, server_log(self.log)), ("", []))
+
+    def test_an_old_session_observation_is_read_live(self):
+        write_session(self.codex_home, "2026/03/14/rollout-2026-03-14T09-00-00-a.jsonl",
+                      [token_count_line(rfc3339(time.time() - 120), SESSION_LIMITS)])
+        document = self.assert_document(self.run_with(["--live", "--json"]))
+        self.assertEqual(document["source"], "live")
+        self.assertEqual([event["event"] for event in server_log(self.log)][0], "start")
+
+    def test_compressed_session_files_are_named_as_not_read(self):
+        write_session(self.codex_home, "2026/03/14/rollout-2026-03-14T09-00-00-a.jsonl.zst", ["\x28\xb5"])
+        finished = self.run_with(["--json"])
+        self.assert_nothing_to_report(finished, "compressed .jsonl.zst files are not read")
+
+    def test_arguments(self):
+        self.assertIn("Usage: vantrel.py [--live] [--json]", self.run_with(["--help"]).stdout)
+        for arguments in (["--lve"], ["--live", "extra"], ["--keep", "socket"]):
+            with self.subTest(arguments=arguments):
+                finished = self.run_with(arguments)
+                self.assertEqual((finished.returncode, finished.stdout), (2, ""))
+                self.assertIn("usage: vantrel.py [--live] [--json]", finished.stderr)
+        self.assertEqual(server_log(self.log), [])
 
     def test_summary_in_czech(self):
         finished = self.run_with(["--live"])

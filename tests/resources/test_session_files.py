@@ -1,7 +1,11 @@
 """Finding the newest recorded limits in Codex's session files."""
 
 import os
+import shutil
+import subprocess
 import tempfile
+import threading
+import time
 import unittest
 
 from script_support import (SESSION_LIMITS, SESSION_SECONDS, SESSION_TIME, load_script, token_count_line,
@@ -75,6 +79,58 @@ class SessionFilesTest(unittest.TestCase):
         write_session(self.home, "2026/03/14/notes.txt", [token_count_line(SESSION_TIME, limits_used(2))])
         os.makedirs(os.path.join(day, "zz.jsonl"))
         self.assertEqual(remaining(vantrel.session_document(self.home)), 60)
+
+    def test_a_line_still_being_written_counts_as_absent(self):
+        newer = token_count_line("2026-03-14T09:30:00Z", limits_used(90))
+        path = write_session(self.home, "2026/03/14/rollout-2026-03-14T09-00-00-a.jsonl",
+                             [token_count_line(SESSION_TIME, limits_used(20))])
+        for cut in (1, len(newer) // 2, len(newer) - 1):
+            with self.subTest(cut=cut):
+                with open(path, "a", encoding="utf-8") as stream:
+                    stream.write(newer[:cut])
+                document = vantrel.session_document(self.home)
+                self.assertEqual((remaining(document), document["observedAt"]), (80, SESSION_SECONDS))
+                with open(path, "r+", encoding="utf-8") as stream:
+                    stream.truncate(len(token_count_line(SESSION_TIME, limits_used(20))) + 1)
+
+    def test_a_session_file_written_while_it_is_read(self):
+        path = write_session(self.home, "2026/03/14/rollout-2026-03-14T09-00-00-a.jsonl",
+                             [token_count_line("2026-03-14T09:00:00Z", limits_used(0))])
+        lines = [token_count_line(f"2026-03-14T09:{minute:02}:00Z", limits_used(minute)) + "\n"
+                 for minute in range(1, 60)]
+
+        def write():
+            # Each line in two writes, as a buffered writer may flush it.
+            with open(path, "a", encoding="utf-8") as stream:
+                for line in lines:
+                    for part in (line[:100], line[100:]):
+                        stream.write(part)
+                        stream.flush()
+                        time.sleep(0.001)
+
+        writer = threading.Thread(target=write)
+        writer.start()
+        seen = []
+        while writer.is_alive():
+            seen.append(vantrel.session_document(self.home)["observedAt"])
+        writer.join()
+        seen.append(vantrel.session_document(self.home)["observedAt"])
+        self.assertEqual(seen, sorted(seen))
+        self.assertEqual(seen[-1], vantrel.parse_timestamp("2026-03-14T09:59:00Z"))
+
+    def test_compressed_session_files_are_passed_over(self):
+        write_session(self.home, "2026/03/14/rollout-2026-03-14T08-00-00-a.jsonl",
+                      [token_count_line(SESSION_TIME, limits_used(40))])
+        day = os.path.join(self.home, "sessions", "2026", "03", "14")
+        text = (token_count_line("2026-03-14T10:00:00Z", limits_used(1)) + "\n").encode()
+        compressed = os.path.join(day, "rollout-2026-03-14T10-00-00-b.jsonl.zst")
+        if shutil.which("zstd"):
+            subprocess.run(["zstd", "-q", "-o", compressed], input=text, check=True)
+        else:
+            with open(compressed, "wb") as stream:
+                stream.write(text)
+        self.assertEqual(remaining(vantrel.session_document(self.home)), 60)
+        self.assertIn(compressed, vantrel.newest_session_files(os.path.join(self.home, "sessions")))
 
     def test_only_the_newest_files_are_read(self):
         write_session(self.home, "2026/01/01/rollout-2026-01-01T00-00-00-a.jsonl",
