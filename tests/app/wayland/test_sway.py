@@ -10,6 +10,7 @@ import subprocess
 import time
 
 import accessibility as a11y
+from compositors import LOST, MARGIN, PANEL_WIDTH, pixel
 from desktop_case import COMPANION, DesktopTestCase, main
 from socket_proxy import SocketProxy
 from status_notifier import TrayItem
@@ -17,9 +18,6 @@ from sway import Sway
 from vantrel_desktop import wait_for
 
 VIRTUAL_POINTER = os.environ["VANTREL_VIRTUAL_POINTER"]
-MARGIN = 16
-PANEL_WIDTH = 292
-LOST = "vantrel: the compositor no longer tells which window is in front; the panel shows only when pinned"
 
 
 class OnSway(DesktopTestCase):
@@ -237,13 +235,6 @@ class OnSway(DesktopTestCase):
         _, vantrel = self.start_behind("sway-silent", "SWAYSOCK", answer=b"")
         self.assert_knows_nothing_and_runs(vantrel)
         wait_for(lambda: a11y.answers(vantrel.process.pid), "Vantrel answering assistive technology")
-
-
-def pixel(png, x, y):
-    text = subprocess.run(["convert", str(png), "-crop", f"1x1+{x}+{y}", "-depth", "8", "txt:-"],
-                          capture_output=True, text=True, check=True, timeout=20).stdout
-    values = text.splitlines()[-1].split("(", 1)[1].split(")", 1)[0].split(",")
-    return tuple(int(float(v)) for v in values[:3])
 
 
 if __name__ == "__main__":
