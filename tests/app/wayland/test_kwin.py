@@ -12,13 +12,12 @@ import subprocess
 import sys
 import time
 
-import accessibility as a11y
 from compositors import LOST, MARGIN, PANEL_WIDTH, pixel
 from desktop_case import COMPANION, EXECUTABLE, LIMITS_SCRIPT, DesktopTestCase, main
 from kwin import KWin, window_management_entry
+from panel_scenarios import PanelScenarios, wait_until
 import socket_proxy
-from status_notifier import TrayItem
-from vantrel_desktop import install_into_prefix, wait_for
+from vantrel_desktop import install_into_prefix
 
 # The entry that `cmake --install` and the package install, as the build tree has it.
 ENTRY = (pathlib.Path(EXECUTABLE).parents[1] / "share" / "applications" /
@@ -26,7 +25,7 @@ ENTRY = (pathlib.Path(EXECUTABLE).parents[1] / "share" / "applications" /
 ALL_DESKTOPS = 0xFFFFFFFF
 
 
-class OnKWin(DesktopTestCase):
+class OnKWin(PanelScenarios, DesktopTestCase):
     @classmethod
     def setUpClass(cls):
         # KWin offers its protocol by the program's path: every granted Vantrel runs from one prefix, named
@@ -50,24 +49,7 @@ class OnKWin(DesktopTestCase):
         cls.x11_codex = cls.open("Codex", geometry=(40, 80, 400, 300))
         cls.vantrel = cls.start_vantrel(prefix=cls.prefix)
         cls.addClassCleanup(cls.vantrel.stop)
-
-    @classmethod
-    def open_native(cls, app_id, **options):
-        window = cls.desktop.open_native(COMPANION, app_id, **options)
-        cls.addClassCleanup(window.close)
-        return window
-
-    def wait_until_shown(self, shown, what, vantrel=None):
-        wait_for(lambda: (vantrel or self.vantrel).panel_shown() == shown,
-                 f"the panel {'shown' if shown else 'hidden'} {what}")
-
-    def test_the_panel_follows_the_window_in_front(self):
-        for description, window in (("native Codex, named by its desktop entry", self.codex),
-                                    ("native ChatGPT", self.chatgpt), ("X11 Codex", self.x11_codex)):
-            self.editor.activate()
-            self.wait_until_shown(False, "over an unrelated window")
-            window.activate()
-            self.wait_until_shown(True, f"over {description}")
+        cls.paths = {"KWin window management": cls.vantrel}
 
     def test_a_window_running_the_codex_cli_counts_as_codex(self):
         cli = pathlib.Path(self.desktop.runtime.name) / "cli" / "codex"
@@ -82,32 +64,6 @@ class OnKWin(DesktopTestCase):
         finally:
             terminal.close()
         self.wait_until_shown(False, "once the terminal closed")
-
-    def test_pinning_from_the_tray_keeps_the_panel_above_every_window(self):
-        self.editor.activate()
-        self.wait_until_shown(False, "over the editor")
-        tray = TrayItem(self.vantrel.process.pid)
-        self.assertFalse(tray.checked(3))
-        tray.choose(3)
-        try:
-            self.wait_until_shown(True, "pinned over the editor")
-            for window in (self.x11_codex, self.editor, self.chatgpt):
-                window.activate()
-                self.wait_until_shown(True, "pinned, whatever is in front")
-            self.assertTrue(tray.checked(3))
-            self.assertEqual(self.desktop.focused()["pid"], self.chatgpt.pid)
-        finally:
-            tray.choose(3)
-        self.editor.activate()
-        self.wait_until_shown(False, "unpinned over the editor")
-        self.assertFalse(tray.checked(3))
-
-    def test_accessibility_sees_the_panel_come_and_go(self):
-        panel = a11y.panel_root(a11y.application(self.vantrel.process.pid))
-        self.codex.activate()
-        wait_for(lambda: a11y.showing(panel), "the panel showing to AT-SPI")
-        self.editor.activate()
-        wait_for(lambda: not a11y.showing(panel), "the panel hidden to AT-SPI")
 
     def test_the_panel_sits_at_the_bottom_right_on_every_desktop_and_never_takes_the_focus(self):
         self.codex.activate()
@@ -132,19 +88,6 @@ class OnKWin(DesktopTestCase):
         self.assertLess(max(red, green, blue), 60, (red, green, blue))
         self.assertEqual(self.desktop.focused()["pid"], self.chatgpt.pid)
 
-    def test_a_window_closing_while_it_is_identified_changes_nothing_else(self):
-        for _ in range(5):
-            process = subprocess.Popen([COMPANION, "--app-id", "codex"], env=self.desktop.env,
-                                       stdout=subprocess.DEVNULL)
-            time.sleep(0.05)
-            process.kill()
-            process.wait()
-        self.editor.activate()
-        self.wait_until_shown(False, "over the editor after the short-lived windows")
-        self.codex.activate()
-        self.wait_until_shown(True, "over Codex")
-        self.assertIsNone(self.vantrel.process.poll())
-
     # --- without the protocol, and faults ----------------------------------------------------------
     def start_other(self, **environment):
         """A Vantrel from a prefix of its own, which no desktop entry names."""
@@ -166,7 +109,7 @@ class OnKWin(DesktopTestCase):
         self.assertFalse(vantrel.panel_shown())
         self.assertIsNone(vantrel.process.poll())
         self.x11_codex.activate()
-        self.wait_until_shown(True, "over X11 Codex, seen through XWayland", vantrel)
+        wait_until(vantrel, True, "over X11 Codex, seen through XWayland")
 
     def test_without_the_desktop_entry_only_x11_windows_are_seen(self):
         self.assert_sees_x11_windows_only(self.start_other())
@@ -182,9 +125,9 @@ class OnKWin(DesktopTestCase):
         vantrel = self.start_vantrel(environment={"WAYLAND_DISPLAY": str(path)}, prefix=self.prefix)
         self.addCleanup(vantrel.stop)
         self.codex.activate()
-        self.wait_until_shown(True, "over Codex through the proxy", vantrel)
+        wait_until(vantrel, True, "over Codex through the proxy")
         proxy.kill()
-        self.wait_until_shown(False, "once the connection dropped", vantrel)
+        wait_until(vantrel, False, "once the connection dropped")
         self.x11_codex.activate()
         time.sleep(0.6)  # past the settling of a change
         self.assertFalse(vantrel.panel_shown())

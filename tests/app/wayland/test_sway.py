@@ -12,6 +12,7 @@ import time
 import accessibility as a11y
 from compositors import LOST, MARGIN, PANEL_WIDTH, pixel
 from desktop_case import COMPANION, DesktopTestCase, main
+from panel_scenarios import PanelScenarios
 from socket_proxy import SocketProxy
 from status_notifier import TrayItem
 from sway import Sway
@@ -20,7 +21,7 @@ from vantrel_desktop import wait_for
 VIRTUAL_POINTER = os.environ["VANTREL_VIRTUAL_POINTER"]
 
 
-class OnSway(DesktopTestCase):
+class OnSway(PanelScenarios, DesktopTestCase):
     desktop_type = Sway
     desktop_options = {"tray": True}
 
@@ -36,25 +37,6 @@ class OnSway(DesktopTestCase):
                      "foreign toplevel": cls.start_vantrel(environment={"SWAYSOCK": None})}
         for vantrel in cls.paths.values():
             cls.addClassCleanup(vantrel.stop)
-
-    @classmethod
-    def open_native(cls, app_id):
-        window = cls.desktop.open_native(COMPANION, app_id)
-        cls.addClassCleanup(window.close)
-        return window
-
-    def wait_until_shown(self, shown, what):
-        for name, vantrel in self.paths.items():
-            wait_for(lambda v=vantrel: v.panel_shown() == shown,
-                     f"the panel {'shown' if shown else 'hidden'} {what} ({name})")
-
-    def test_the_panel_follows_the_window_in_front(self):
-        for description, window in (("native Codex, named by its desktop entry", self.codex),
-                                    ("native ChatGPT", self.chatgpt), ("X11 Codex", self.x11_codex)):
-            self.editor.activate()
-            self.wait_until_shown(False, "over an unrelated window")
-            window.activate()
-            self.wait_until_shown(True, f"over {description}")
 
     def test_a_window_running_the_codex_cli_counts_where_the_process_is_known(self):
         cli = pathlib.Path(self.desktop.runtime.name) / "cli" / "codex"
@@ -80,35 +62,6 @@ class OnSway(DesktopTestCase):
                     ("separator", ""),
                     ("menu item", "Ukončit Vantrel"),
                 ])
-
-    def test_pinning_from_the_tray_keeps_the_panel_above_every_window(self):
-        self.editor.activate()
-        self.wait_until_shown(False, "over the editor")
-        trays = [TrayItem(vantrel.process.pid) for vantrel in self.paths.values()]
-        for tray in trays:
-            self.assertFalse(tray.checked(3))
-            tray.choose(3)
-        try:
-            self.wait_until_shown(True, "pinned over the editor")
-            for window in (self.x11_codex, self.editor, self.chatgpt):
-                window.activate()
-                self.wait_until_shown(True, "pinned, whatever is in front")
-            self.assertTrue(all(tray.checked(3) for tray in trays))
-            self.assertEqual(self.desktop.focused()["pid"], self.chatgpt.pid)
-        finally:
-            for tray in trays:
-                tray.choose(3)
-        self.editor.activate()
-        self.wait_until_shown(False, "unpinned over the editor")
-        self.assertFalse(any(tray.checked(3) for tray in trays))
-
-    def test_accessibility_sees_the_panel_come_and_go(self):
-        vantrel = self.paths["sway IPC"]
-        panel = a11y.panel_root(a11y.application(vantrel.process.pid))
-        self.codex.activate()
-        wait_for(lambda: a11y.showing(panel), "the panel showing to AT-SPI")
-        self.editor.activate()
-        wait_for(lambda: not a11y.showing(panel), "the panel hidden to AT-SPI")
 
     def test_the_panel_sits_at_the_bottom_right_and_never_takes_the_focus(self):
         self.codex.activate()
@@ -174,20 +127,6 @@ class OnSway(DesktopTestCase):
             self.wait_until_shown(False, "over the empty workspace")
         finally:
             self.desktop.swaymsg("workspace 1")
-
-    def test_a_window_closing_while_it_is_identified_changes_nothing_else(self):
-        for _ in range(5):
-            process = subprocess.Popen([COMPANION, "--app-id", "codex"], env=self.desktop.env,
-                                       stdout=subprocess.DEVNULL)
-            time.sleep(0.05)
-            process.kill()
-            process.wait()
-        self.editor.activate()
-        self.wait_until_shown(False, "over the editor after the short-lived windows")
-        self.codex.activate()
-        self.wait_until_shown(True, "over Codex")
-        for name, vantrel in self.paths.items():
-            self.assertIsNone(vantrel.process.poll(), name)
 
     # --- faults ------------------------------------------------------------------------------------
     def start_behind(self, proxy_name, variable, **proxy_options):
