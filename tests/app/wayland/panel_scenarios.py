@@ -1,9 +1,9 @@
 """What the tests of every Wayland session check of the panel, whatever tells Vantrel the window in front.
 
-A test class mixes PanelScenarios in before DesktopTestCase and sets, in setUpClass, `paths` (each
-Vantrel running, by the way it learns the window in front) and the windows `editor` (an unrelated
-application), `codex` (native, named "Codex" by its desktop entry), `chatgpt` (native) and `x11_codex`
-(through XWayland), each opened with open_native() or DesktopTestCase.open().
+A test class mixes PanelScenarios in before DesktopTestCase and, in setUpClass, opens the windows with
+open_windows(): `editor` (an unrelated application), `codex` (native, named "Codex" by its desktop
+entry), `chatgpt` (native) and `x11_codex` (through XWayland); then starts Vantrel and sets `paths` (each
+Vantrel running, by the way it learns the window in front).
 """
 
 import subprocess
@@ -17,6 +17,15 @@ from vantrel_desktop import wait_for
 
 class PanelScenarios:
     paths = {}
+
+    @classmethod
+    def open_windows(cls):
+        """The windows the scenarios bring to the front, the X11 one last."""
+        cls.desktop.add_desktop_entry("codex", "Codex")
+        cls.editor = cls.open_native("org.example.Editor")
+        cls.codex = cls.open_native("codex")
+        cls.chatgpt = cls.open_native("ChatGPT")
+        cls.x11_codex = cls.open("Codex", geometry=(40, 80, 400, 300))
 
     @classmethod
     def open_native(cls, app_id, **options):

@@ -42,11 +42,7 @@ class OnKWin(PanelScenarios, DesktopTestCase):
             window_management_entry(ENTRY, cls.prefix / "bin" / "vantrel"),
             window_management_entry(ENTRY, cls.proxy_python)]}
         super().setUpClass()
-        cls.desktop.add_desktop_entry("codex", "Codex")
-        cls.editor = cls.open_native("org.example.Editor")
-        cls.codex = cls.open_native("codex")
-        cls.chatgpt = cls.open_native("ChatGPT")
-        cls.x11_codex = cls.open("Codex", geometry=(40, 80, 400, 300))
+        cls.open_windows()
         cls.vantrel = cls.start_vantrel(prefix=cls.prefix)
         cls.addClassCleanup(cls.vantrel.stop)
         cls.paths = {"KWin window management": cls.vantrel}

@@ -28,11 +28,7 @@ class OnSway(PanelScenarios, DesktopTestCase):
     @classmethod
     def setUpClass(cls):
         super().setUpClass()
-        cls.desktop.add_desktop_entry("codex", "Codex")
-        cls.editor = cls.open_native("org.example.Editor")
-        cls.codex = cls.open_native("codex")
-        cls.chatgpt = cls.open_native("ChatGPT")
-        cls.x11_codex = cls.open("Codex", geometry=(40, 80, 400, 300))
+        cls.open_windows()
         cls.paths = {"sway IPC": cls.start_vantrel(),
                      "foreign toplevel": cls.start_vantrel(environment={"SWAYSOCK": None})}
         for vantrel in cls.paths.values():
