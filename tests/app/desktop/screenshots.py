@@ -26,6 +26,13 @@ def document(observed_at):
     }
 
 
+def around_panel(geometry, left_extra=0):
+    """ImageMagick's crop of the screen around the panel's geometry: a margin, and left_extra more on its
+    left to show what lies beside it."""
+    x, y, width, height = geometry
+    return f"{width + MARGIN * 2 + left_extra}x{height + MARGIN * 2}+{x - MARGIN - left_extra}+{y - MARGIN}"
+
+
 def main(executable, companion, folder):
     folder = pathlib.Path(folder)
     folder.mkdir(parents=True, exist_ok=True)
@@ -36,10 +43,8 @@ def main(executable, companion, folder):
 
         def shoot(vantrel, name, left_extra=0):
             time.sleep(2.5)  # a telemetry tick with real figures
-            x, y, width, height = desktop.geometry(vantrel.panel_window())
-            left = x - MARGIN - left_extra
             desktop.run("import", "-window", "root", "-crop",
-                        f"{width + MARGIN * 2 + left_extra}x{height + MARGIN * 2}+{left}+{y - MARGIN}",
+                        around_panel(desktop.geometry(vantrel.panel_window()), left_extra),
                         "+repage", str(folder / f"{name}.png"))
 
         vantrel = Vantrel(desktop, executable, LIMITS_SCRIPT)
