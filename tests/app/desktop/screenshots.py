@@ -33,6 +33,18 @@ def around_panel(geometry, left_extra=0):
     return f"{width + MARGIN * 2 + left_extra}x{height + MARGIN * 2}+{x - MARGIN - left_extra}+{y - MARGIN}"
 
 
+def start_with_full_figures(desktop, executable, window, prefix=None):
+    """Vantrel showing the full figures over the window: the program and its accessible application."""
+    vantrel = Vantrel(desktop, executable, LIMITS_SCRIPT, prefix)
+    vantrel.behave(document(int(time.time())))
+    vantrel.start()
+    window.activate()
+    wait_for(vantrel.panel_shown, "the panel")
+    app = a11y.application(vantrel.process.pid)
+    wait_for(lambda: a11y.row_at(app, 0).value_text == "64 %", "the limits")
+    return vantrel, app
+
+
 def main(executable, companion, folder):
     folder = pathlib.Path(folder)
     folder.mkdir(parents=True, exist_ok=True)
@@ -47,13 +59,7 @@ def main(executable, companion, folder):
                         around_panel(desktop.geometry(vantrel.panel_window()), left_extra),
                         "+repage", str(folder / f"{name}.png"))
 
-        vantrel = Vantrel(desktop, executable, LIMITS_SCRIPT)
-        vantrel.behave(document(int(time.time())))
-        vantrel.start()
-        codex.activate()
-        wait_for(vantrel.panel_shown, "the panel")
-        app = a11y.application(vantrel.process.pid)
-        wait_for(lambda: a11y.row_at(app, 0).value_text == "64 %", "the limits")
+        vantrel, app = start_with_full_figures(desktop, executable, codex)
         shoot(vantrel, "panel-full-figures")
 
         vantrel.behave(exit_status=1)

@@ -11,11 +11,10 @@ import subprocess
 import sys
 import time
 
-import accessibility as a11y
 from kwin import KWin, window_management_entry
-from screenshots import LIMITS_SCRIPT, around_panel, document
+from screenshots import LIMITS_SCRIPT, around_panel, start_with_full_figures
 from sway import Sway
-from vantrel_desktop import Vantrel, install_into_prefix, wait_for
+from vantrel_desktop import install_into_prefix
 
 
 def on_sway(executable):
@@ -40,13 +39,7 @@ def main(compositor, executable, companion, folder):
         session.add_desktop_entry("codex", "Codex")
         # As large as the screen: sway tiles it anyway, KWin places it over the whole screen.
         codex = session.open_native(companion, "codex", title="Codex", size=(session.width, session.height))
-        vantrel = Vantrel(session, executable, LIMITS_SCRIPT, prefix)
-        vantrel.behave(document(int(time.time())))
-        vantrel.start()
-        codex.activate()
-        wait_for(vantrel.panel_shown, "the panel")
-        app = a11y.application(vantrel.process.pid)
-        wait_for(lambda: a11y.row_at(app, 0).value_text == "64 %", "the limits")
+        vantrel, _ = start_with_full_figures(session, executable, codex, prefix)
         time.sleep(2.5)  # a telemetry tick with real figures
         whole = pathlib.Path(session.runtime.name) / "screen.png"
         session.screenshot(whole)
