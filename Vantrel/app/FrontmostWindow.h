@@ -11,7 +11,7 @@ namespace vantrel {
 // process id, and macOS names the application itself.
 struct FrontmostWindow {
     std::string appId;                        // Wayland app_id, or the class of X11's WM_CLASS
-    std::string instanceName;                 // the instance of X11's WM_CLASS; empty elsewhere
+    std::string instanceName;                 // X11's WM_CLASS instance, or KWin's resource name; else empty
     std::optional<std::int64_t> pid;          // the window's process, where the desktop tells it
     bool ownProcess = false;                  // a window of this very program
     std::optional<std::string> localizedName; // the application's name, where the desktop itself gives it

@@ -51,7 +51,7 @@ std::vector<FrontmostSource> frontmostSources(const SessionFacts& facts)
     if (offers(facts, "zwlr_foreign_toplevel_manager_v1")) {
         sources.push_back(FrontmostSource::wlrForeignToplevel);
     }
-    if (offers(facts, "org_kde_plasma_window_management")) {
+    if (offers(facts, "org_kde_plasma_window_management") || listsDesktop(facts.currentDesktop, "KDE")) {
         sources.push_back(FrontmostSource::kdeWindowManagement);
     }
     if (listsDesktop(facts.currentDesktop, "GNOME")) {

@@ -26,8 +26,9 @@ struct SessionFacts {
 
 // The sources to try, most telling first; the first that connects serves. Without WAYLAND_DISPLAY the
 // session is X11's. On Wayland: sway's IPC where its socket is named (it tells the process, the protocol
-// does not), then the wlroots protocol, then KWin's and GNOME Shell's own ways. An empty list: the
-// session tells no client.
+// does not), then the wlroots protocol, then KWin's and GNOME Shell's own ways (KWin's where it offers
+// its protocol or calls itself KDE: it offers the protocol only to programs its desktop entries allow).
+// An empty list: the session tells no client.
 std::vector<FrontmostSource> frontmostSources(const SessionFacts& facts);
 
 // Whether the panel must be an unmanaged (override-redirect) X11 window to sit at the bottom right:

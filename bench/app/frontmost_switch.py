@@ -1,15 +1,18 @@
 """What one change of the window in front costs, end to end, on sway (through its IPC and through the
-foreign-toplevel protocol) beside the X11 path on a private Xvfb desktop, all in the same run; and
-Vantrel's CPU time per minute on each while its panel is shown.
+foreign-toplevel protocol) and on KWin (through its window-management protocol) beside the X11 path on a
+private Xvfb desktop, all in the same run; and Vantrel's CPU time per minute on each while its panel is
+shown.
 
-One change: from asking the desktop to bring a window to the front (xdotool on X11, swaymsg on sway) to the
-X server mapping or unmapping the panel, seen by xev. Codex and an editor take turns in front, so every
+One change: from asking the desktop to bring a window to the front (xdotool on X11, swaymsg on sway, a
+one-shot KWin script loaded over D-Bus on KWin) to the X server mapping or unmapping the panel, seen by
+xev. Codex and an editor take turns in front, so every
 change shows or hides the panel. The figures include the request's own process start.
 
     dbus-run-session -- /usr/bin/python3 bench/app/frontmost_switch.py build/bin/vantrel [switches] [seconds]
 """
 
 import pathlib
+import shutil
 import statistics
 import subprocess
 import sys
@@ -21,8 +24,9 @@ TESTS = HERE.parents[1] / "tests" / "app"
 sys.path[:0] = [str(HERE), str(TESTS / "desktop"), str(TESTS / "wayland")]
 
 from footprint import cpu_seconds_during  # noqa: E402
+from kwin import KWin, window_management_entry  # noqa: E402
 from sway import Sway  # noqa: E402
-from vantrel_desktop import Desktop, Vantrel, wait_for  # noqa: E402
+from vantrel_desktop import Desktop, Vantrel, install_into_prefix, wait_for  # noqa: E402
 
 LIMITS_SCRIPT = HERE.parents[1] / "tests" / "fixtures" / "app" / "limits_script.py"
 WARM_UP = 4.0
@@ -70,38 +74,55 @@ def measure_switches(paths, activate, companion, other, switches):
     return delays
 
 
-def start_vantrel(desktop, executable, **environment):
-    vantrel = Vantrel(desktop, executable, LIMITS_SCRIPT)
+def start_vantrel(desktop, executable, prefix=None, **environment):
+    vantrel = Vantrel(desktop, executable, LIMITS_SCRIPT, prefix)
     vantrel.start(**environment)
     return vantrel
+
+
+def start_kwin(executable):
+    """KWin, offering its window-management protocol to the Vantrel installed in the prefix returned."""
+    prefix = install_into_prefix(executable, LIMITS_SCRIPT, "vantrel-bench-")
+    entry = pathlib.Path(executable).parents[1] / "share" / "applications" / \
+        "io.github.vantrel.Vantrel.WindowManagement.desktop"
+    return KWin(window_management=[window_management_entry(entry, prefix / "bin" / "vantrel")]).start(), prefix
 
 
 def main(executable, switches=20, seconds=60.0):
     companion = str(pathlib.Path(executable).parent / "companion_window")
     x11, sway = Desktop().start(), Sway().start()
+    kwin, prefix = start_kwin(executable)
     programs = []
     try:
-        sway.add_desktop_entry("codex", "Codex")
         x11_codex, x11_editor = x11.open_companion(companion, "Codex"), x11.open_companion(companion, "Editor")
-        codex, editor = sway.open_native(companion, "codex"), sway.open_native(companion, "org.example.Editor")
+        windows = {}
+        for session in (sway, kwin):
+            session.add_desktop_entry("codex", "Codex")
+            windows[session] = (session.open_native(companion, "codex"),
+                                session.open_native(companion, "org.example.Editor"))
         vantrels = {"X11 (Xvfb, openbox)": (x11, start_vantrel(x11, executable)),
                     "sway IPC": (sway, start_vantrel(sway, executable)),
-                    "sway foreign toplevel": (sway, start_vantrel(sway, executable, SWAYSOCK=None))}
+                    "sway foreign toplevel": (sway, start_vantrel(sway, executable, SWAYSOCK=None)),
+                    "KWin window management": (kwin, start_vantrel(kwin, executable, prefix))}
         programs = [vantrel for _, vantrel in vantrels.values()]
         x11_codex.activate()
-        codex.activate()
+        for codex, _ in windows.values():
+            codex.activate()
         for desktop, vantrel in vantrels.values():
             wait_for(vantrel.panel_shown, "the panel")
         x11_editor.activate()
-        editor.activate()
+        for _, editor in windows.values():
+            editor.activate()
 
         delays = measure_switches({k: v for k, v in vantrels.items() if v[0] is x11},
                                   lambda w: w.activate(), x11_codex, x11_editor, switches)
-        delays.update(measure_switches({k: v for k, v in vantrels.items() if v[0] is sway},
-                                       lambda w: w.activate(), codex, editor, switches))
+        for session, (codex, editor) in windows.items():
+            delays.update(measure_switches({k: v for k, v in vantrels.items() if v[0] is session},
+                                           lambda w: w.activate(), codex, editor, switches))
 
         x11_codex.activate()
-        codex.activate()
+        for codex, _ in windows.values():
+            codex.activate()
         time.sleep(WARM_UP)
         used = cpu_seconds_during([v.process.pid for _, v in vantrels.values()], seconds)
 
@@ -119,6 +140,8 @@ def main(executable, switches=20, seconds=60.0):
     finally:
         for vantrel in programs:
             vantrel.stop()
+        kwin.stop()
+        shutil.rmtree(prefix, ignore_errors=True)
         sway.stop()
         x11.stop()
 

@@ -31,6 +31,7 @@ dpkg-deb --extract "$deb" "$root"
   echo "644 usr/lib/vantrel/vantrel_panel.so"
   echo "755 usr/share/vantrel/vantrel.py"
   echo "644 usr/share/applications/$app_id.desktop"
+  echo "644 usr/share/applications/$app_id.WindowManagement.desktop"
   echo "644 usr/share/metainfo/$app_id.metainfo.xml"
   echo "644 usr/share/vantrel/autostart/$app_id.desktop"
   echo "644 usr/share/icons/hicolor/scalable/apps/$app_id.svg"
@@ -80,6 +81,8 @@ releases = ET.parse(sys.argv[1]).getroot().findall("releases/release")
 sys.exit(0 if releases and releases[0].get("version") == sys.argv[2] else 1)
 PY
 cmp -s "$source/packaging/debian/copyright" "$root/usr/share/doc/vantrel/copyright" || fail "copyright file"
+grep -qx "Exec=/usr/bin/vantrel" "$root/usr/share/applications/$app_id.WindowManagement.desktop" \
+  || fail "the KWin entry does not name /usr/bin/vantrel"
 
 lintian --fail-on error "$deb" || fail "lintian reports errors"
 echo "package OK: $(basename "$deb"), Depends: $depends"

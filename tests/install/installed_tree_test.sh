@@ -21,6 +21,7 @@ expected=(
   lib/vantrel/vantrel_panel.so
   share/vantrel/vantrel.py
   "share/applications/$app_id.desktop"
+  "share/applications/$app_id.WindowManagement.desktop"
   "share/metainfo/$app_id.metainfo.xml"
   "share/vantrel/autostart/$app_id.desktop"
   "share/icons/hicolor/scalable/apps/$app_id.svg"
@@ -46,12 +47,21 @@ else
 fi
 
 desktop-file-validate "$prefix/share/applications/$app_id.desktop" "$prefix/share/vantrel/autostart/$app_id.desktop" \
-  || fail "desktop-file-validate"
+  "$prefix/share/applications/$app_id.WindowManagement.desktop" || fail "desktop-file-validate"
 appstreamcli validate --no-net "$prefix/share/metainfo/$app_id.metainfo.xml" || fail "appstreamcli validate"
 grep -q '<project_license>Apache-2.0</project_license>' "$prefix/share/metainfo/$app_id.metainfo.xml" \
   || fail "the metainfo names another licence"
 grep -qx 'License: Apache-2.0' "$prefix/share/doc/vantrel/copyright" || fail "the copyright file names another licence"
 grep -qx "Icon=$app_id" "$prefix/share/applications/$app_id.desktop" || fail "the desktop entry names another icon"
+# KWin grants its window-management protocol to the program named by this absolute path: the installed one.
+kwin_entry=$prefix/share/applications/$app_id.WindowManagement.desktop
+grep -qx "Exec=/usr/bin/vantrel" "$kwin_entry" || fail "the KWin entry names another program: $(grep ^Exec= "$kwin_entry")"
+grep -qx "X-KDE-Wayland-Interfaces=org_kde_plasma_window_management" "$kwin_entry" || fail "the KWin entry grants nothing"
+grep -qx "NoDisplay=true" "$kwin_entry" || fail "the KWin entry shows in menus"
+other=$work/other
+DESTDIR=$other "$cmake" --install "$build" --prefix /opt/vantrel >/dev/null
+grep -qx "Exec=/opt/vantrel/bin/vantrel" "$other/opt/vantrel/share/applications/$app_id.WindowManagement.desktop" \
+  || fail "installed into /opt/vantrel, the KWin entry names another program"
 
 # The program must not depend on where it is started from.
 mkdir "$work/elsewhere"

@@ -2,6 +2,7 @@
 
 #include "Vantrel/app/SessionChoice.h"
 #include "Vantrel/app/wayland/ForeignToplevelSource.h"
+#include "Vantrel/app/wayland/PlasmaWindowSource.h"
 #include "Vantrel/app/wayland/SwayIpcSource.h"
 #include "Vantrel/app/wayland/WaylandDesktop.h"
 
@@ -24,8 +25,9 @@ std::unique_ptr<ToplevelSource> connectSource(FrontmostSource kind, const Sessio
         return SwayIpcSource::connectTo(facts.swaySocket);
     case FrontmostSource::wlrForeignToplevel:
         return connection != nullptr ? ForeignToplevelSource::create(*connection) : nullptr;
-    case FrontmostSource::x11: // the X11 desktop itself, which serves when no source connects
     case FrontmostSource::kdeWindowManagement:
+        return connection != nullptr ? PlasmaWindowSource::create(*connection) : nullptr;
+    case FrontmostSource::x11: // the X11 desktop itself, which serves when no source connects
     case FrontmostSource::gnomeExtension:
         break;
     }

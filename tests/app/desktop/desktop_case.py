@@ -46,8 +46,8 @@ class DesktopTestCase(unittest.TestCase):
         cls.desktop.env.update(TZ="UTC", LANG="C.UTF-8", LC_ALL="C.UTF-8")
 
     @classmethod
-    def start_vantrel(cls, document=None, environment=None, **behaviour):
-        vantrel = Vantrel(cls.desktop, EXECUTABLE, LIMITS_SCRIPT)
+    def start_vantrel(cls, document=None, environment=None, prefix=None, **behaviour):
+        vantrel = Vantrel(cls.desktop, EXECUTABLE, LIMITS_SCRIPT, prefix)
         vantrel.behave(document=document if document is not None else {}, **behaviour)
         vantrel.start(**(environment or {}))
         return vantrel

@@ -26,6 +26,25 @@ def document(observed_at):
     }
 
 
+def around_panel(geometry, left_extra=0):
+    """ImageMagick's crop of the screen around the panel's geometry: a margin, and left_extra more on its
+    left to show what lies beside it."""
+    x, y, width, height = geometry
+    return f"{width + MARGIN * 2 + left_extra}x{height + MARGIN * 2}+{x - MARGIN - left_extra}+{y - MARGIN}"
+
+
+def start_with_full_figures(desktop, executable, window, prefix=None):
+    """Vantrel showing the full figures over the window: the program and its accessible application."""
+    vantrel = Vantrel(desktop, executable, LIMITS_SCRIPT, prefix)
+    vantrel.behave(document(int(time.time())))
+    vantrel.start()
+    window.activate()
+    wait_for(vantrel.panel_shown, "the panel")
+    app = a11y.application(vantrel.process.pid)
+    wait_for(lambda: a11y.row_at(app, 0).value_text == "64 %", "the limits")
+    return vantrel, app
+
+
 def main(executable, companion, folder):
     folder = pathlib.Path(folder)
     folder.mkdir(parents=True, exist_ok=True)
@@ -36,19 +55,11 @@ def main(executable, companion, folder):
 
         def shoot(vantrel, name, left_extra=0):
             time.sleep(2.5)  # a telemetry tick with real figures
-            x, y, width, height = desktop.geometry(vantrel.panel_window())
-            left = x - MARGIN - left_extra
             desktop.run("import", "-window", "root", "-crop",
-                        f"{width + MARGIN * 2 + left_extra}x{height + MARGIN * 2}+{left}+{y - MARGIN}",
+                        around_panel(desktop.geometry(vantrel.panel_window()), left_extra),
                         "+repage", str(folder / f"{name}.png"))
 
-        vantrel = Vantrel(desktop, executable, LIMITS_SCRIPT)
-        vantrel.behave(document(int(time.time())))
-        vantrel.start()
-        codex.activate()
-        wait_for(vantrel.panel_shown, "the panel")
-        app = a11y.application(vantrel.process.pid)
-        wait_for(lambda: a11y.row_at(app, 0).value_text == "64 %", "the limits")
+        vantrel, app = start_with_full_figures(desktop, executable, codex)
         shoot(vantrel, "panel-full-figures")
 
         vantrel.behave(exit_status=1)

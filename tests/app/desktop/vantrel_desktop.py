@@ -289,13 +289,17 @@ class Companion:
 class Vantrel:
     """The program, installed into a private prefix with a limits script that does what the test says."""
 
-    def __init__(self, desktop, executable, script):
+    def __init__(self, desktop, executable, script, prefix=None):
+        """prefix: a prefix that install_into_prefix() made, to start the program from instead of a private
+        one (where the program's path matters, as to KWin); the limits script's orders stay per program."""
         self.desktop = desktop
-        self.prefix = install_into_prefix(executable, script, "vantrel-prefix-")
-        self.control = self.prefix / "control"
+        self.own_prefix = prefix is None
+        self.prefix = install_into_prefix(executable, script, "vantrel-prefix-") if prefix is None else prefix
+        self.work = pathlib.Path(tempfile.mkdtemp(prefix="vantrel-run-"))
+        self.control = self.work / "control"
         self.control.mkdir()
         self.process = None
-        self.stderr = self.prefix / "stderr.txt"
+        self.stderr = self.work / "stderr.txt"
         self.behave(document={})
 
     def behave(self, document=None, exit_status=0, hang=False, raw=None):
@@ -334,7 +338,9 @@ class Vantrel:
             except subprocess.TimeoutExpired:
                 self.process.kill()
                 self.process.wait()
-        shutil.rmtree(self.prefix, ignore_errors=True)
+        shutil.rmtree(self.work, ignore_errors=True)
+        if self.own_prefix:
+            shutil.rmtree(self.prefix, ignore_errors=True)
 
     def panel_window(self):
         text = self.desktop.run("xdotool", "search", "--all", "--pid", str(self.process.pid), "--name",

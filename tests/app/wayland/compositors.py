@@ -11,6 +11,7 @@ Needs the test's own D-Bus session (desktop_case.main() starts one) and PYTHONPA
 tests/app/desktop.
 """
 
+import json
 import os
 import pathlib
 import signal
@@ -19,6 +20,11 @@ import subprocess
 from gi.repository import Gio, GLib
 
 from vantrel_desktop import Session, XReading, companion_command, die_with_parent, wait_for
+
+# Where the panel sits: its width, and its distance from the screen's right and bottom edges.
+PANEL_WIDTH = 292
+MARGIN = 16
+LOST = "vantrel: the compositor no longer tells which window is in front; the panel shows only when pinned"
 
 
 class Window:
@@ -60,9 +66,13 @@ class CompositorSession(Session, XReading):
 
     desktop_name = ""
 
-    def __init__(self, width=1280, height=800):
+    def __init__(self, width=1280, height=800, tray=False):
+        """tray: waybar's bar with its tray module, a StatusNotifierItem host such as a user's session has
+        (waybar on sway, Plasma's own on KDE). It runs as the test's user, on the test's D-Bus session,
+        where the programs register their items."""
         super().__init__(f"vantrel-{type(self).__name__.lower()}-")
         self.width, self.height = width, height
+        self.with_tray = tray
         self.root = pathlib.Path(self.runtime.name)
         self.data_dir = self.root / "data"
         (self.data_dir / "applications").mkdir(parents=True)
@@ -72,11 +82,21 @@ class CompositorSession(Session, XReading):
     def start(self):
         try:
             self._start()
+            if self.with_tray:
+                self.start_tray()
             self.start_accessibility_bus()
         except BaseException:
             self.stop()
             raise
         return self
+
+    def start_tray(self):
+        config = self.root / "waybar.json"
+        config.write_text(json.dumps({"layer": "top", "position": "top", "height": 24, "modules-right": ["tray"]}))
+        self.spawn("waybar", ["waybar", "-c", str(config)])
+        wait_for(lambda: dbus_call("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
+                                   "NameHasOwner", GLib.Variant("(s)", ("org.kde.StatusNotifierWatcher",)),
+                                   "(b)")[0], "waybar's tray")
 
     def client_environment(self, wayland_display, display, xauthority=None):
         env = dict(os.environ, XDG_RUNTIME_DIR=str(self.xdg_runtime), WAYLAND_DISPLAY=wayland_display,
@@ -156,3 +176,11 @@ def environment_dump(folder, first=""):
     script.write_text(f"#!/bin/sh\n{first}\nenv > {target}.part && mv {target}.part {target}\n")
     script.chmod(0o755)
     return script, target
+
+
+def pixel(png, x, y):
+    """The (red, green, blue) of one pixel of a screenshot."""
+    text = subprocess.run(["convert", str(png), "-crop", f"1x1+{x}+{y}", "-depth", "8", "txt:-"],
+                          capture_output=True, text=True, check=True, timeout=20).stdout
+    values = text.splitlines()[-1].split("(", 1)[1].split(")", 1)[0].split(",")
+    return tuple(int(float(v)) for v in values[:3])

@@ -2,6 +2,7 @@
 
 import json
 import os
+import pathlib
 import shutil
 import subprocess
 import threading
@@ -19,6 +20,14 @@ class KWin(CompositorSession):
 
     desktop_name = "KDE"
     MARKER = "vantrel-kwin-focus:"
+
+    def __init__(self, width=1280, height=800, tray=False, window_management=()):
+        """window_management: desktop entries (texts, see window_management_entry) that KWin finds from its
+        start, each offering its window-management protocol to the program it names. KWin rereads desktop
+        entries at most every 1.5 s, so an entry written later may not be seen yet."""
+        super().__init__(width, height, tray)
+        for number, entry in enumerate(window_management):
+            (self.data_dir / "applications" / f"window-management-{number}.desktop").write_text(entry)
 
     def _start(self):
         folder = self.root / "kwin"
@@ -60,12 +69,19 @@ class KWin(CompositorSession):
         dbus_call("org.kde.KWin", "/Scripting", "org.kde.kwin.Scripting", "unloadScript",
                   GLib.Variant("(s)", (name,)))
 
-    def focus(self, window):
+    def for_window(self, window, statement):
+        """Runs the statement on the window's client (`client` in it)."""
         self.unload_script(self.run_script(
             "const clients = workspace.clientList();\n"
             "for (let i = 0; i < clients.length; ++i) {\n"
-            f"    if (clients[i].pid === {window.pid}) workspace.activeClient = clients[i];\n"
+            f"    const client = clients[i];\n    if (client.pid === {window.pid}) {{ {statement} }}\n"
             "}\n"))
+
+    def focus(self, window):
+        self.for_window(window, "workspace.activeClient = client;")
+
+    def place(self, window, x, y, width, height):
+        self.for_window(window, f"client.frameGeometry = {{x: {x}, y: {y}, width: {width}, height: {height}}};")
 
     def focused(self):
         token = f"{self.MARKER}{self.scripts + 1}"
@@ -83,6 +99,13 @@ class KWin(CompositorSession):
         capture_screen_with_fd(
             self.env, "org.kde.KWin", "/org/kde/KWin/ScreenShot2", "org.kde.KWin.ScreenShot2",
             "CaptureActiveScreen", path)
+
+
+def window_management_entry(template, executable):
+    """Vantrel's desktop entry that asks KWin for its window-management protocol (template: the build
+    tree's), naming another program by its absolute path."""
+    lines = pathlib.Path(template).read_text().splitlines()
+    return "\n".join(f"Exec={executable}" if line.startswith("Exec=") else line for line in lines) + "\n"
 
 
 def capture_screen_with_fd(env, service, path_name, interface, method, png):

@@ -5,6 +5,7 @@ file descriptors)."""
 
 import os
 import socket
+import sys
 import threading
 
 
@@ -68,3 +69,11 @@ class SocketProxy:
         self.listener.close()
         self.cut()
         os.unlink(self.path)
+
+
+if __name__ == "__main__":
+    # A proxy in a process of its own, passing through until it is killed (which drops every connection):
+    # socket_proxy.py PATH UPSTREAM. It says "ready" once it listens.
+    SocketProxy(sys.argv[1], sys.argv[2])
+    print("ready", flush=True)
+    threading.Event().wait()

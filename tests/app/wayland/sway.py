@@ -4,9 +4,7 @@ import json
 import os
 import pwd
 
-from gi.repository import GLib
-
-from compositors import CompositorSession, dbus_call, environment_dump, read_environment
+from compositors import CompositorSession, environment_dump, read_environment
 from vantrel_desktop import die_with_parent, wait_for
 
 NOBODY = 65534
@@ -17,12 +15,6 @@ class Sway(CompositorSession):
     runs as nobody in a runtime directory of its own; clients reach it through absolute socket paths."""
 
     desktop_name = "sway"
-
-    def __init__(self, width=1280, height=800, tray=False):
-        """tray: waybar's bar with its tray module, the StatusNotifierItem host a sway user would have. It
-        runs as the test's user, on the test's D-Bus session, where the programs register their items."""
-        super().__init__(width, height)
-        self.with_tray = tray
 
     def _start(self):
         self.sway_runtime = self.root / "sway"
@@ -61,16 +53,6 @@ class Sway(CompositorSession):
         inner = read_environment(session_env)
         self.env = self.client_environment(str(self.sway_runtime / inner["WAYLAND_DISPLAY"]), inner["DISPLAY"])
         self.env["SWAYSOCK"] = inner["SWAYSOCK"]
-        if self.with_tray:
-            self.start_tray()
-
-    def start_tray(self):
-        config = self.root / "waybar.json"
-        config.write_text(json.dumps({"layer": "top", "position": "top", "height": 24, "modules-right": ["tray"]}))
-        self.spawn("waybar", ["waybar", "-c", str(config)])
-        wait_for(lambda: dbus_call("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
-                                   "NameHasOwner", GLib.Variant("(s)", ("org.kde.StatusNotifierWatcher",)),
-                                   "(b)")[0], "waybar's tray")
 
     def swaymsg(self, *arguments, check=True):
         return self.run("swaymsg", *arguments, check=check)

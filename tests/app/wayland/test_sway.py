@@ -10,53 +10,29 @@ import subprocess
 import time
 
 import accessibility as a11y
+from compositors import LOST, MARGIN, PANEL_WIDTH, pixel
 from desktop_case import COMPANION, DesktopTestCase, main
+from panel_scenarios import PanelScenarios
 from socket_proxy import SocketProxy
 from status_notifier import TrayItem
 from sway import Sway
 from vantrel_desktop import wait_for
 
 VIRTUAL_POINTER = os.environ["VANTREL_VIRTUAL_POINTER"]
-MARGIN = 16
-PANEL_WIDTH = 292
-LOST = "vantrel: the compositor no longer tells which window is in front; the panel shows only when pinned"
 
 
-class OnSway(DesktopTestCase):
+class OnSway(PanelScenarios, DesktopTestCase):
     desktop_type = Sway
     desktop_options = {"tray": True}
 
     @classmethod
     def setUpClass(cls):
         super().setUpClass()
-        cls.desktop.add_desktop_entry("codex", "Codex")
-        cls.editor = cls.open_native("org.example.Editor")
-        cls.codex = cls.open_native("codex")
-        cls.chatgpt = cls.open_native("ChatGPT")
-        cls.x11_codex = cls.open("Codex", geometry=(40, 80, 400, 300))
+        cls.open_windows()
         cls.paths = {"sway IPC": cls.start_vantrel(),
                      "foreign toplevel": cls.start_vantrel(environment={"SWAYSOCK": None})}
         for vantrel in cls.paths.values():
             cls.addClassCleanup(vantrel.stop)
-
-    @classmethod
-    def open_native(cls, app_id):
-        window = cls.desktop.open_native(COMPANION, app_id)
-        cls.addClassCleanup(window.close)
-        return window
-
-    def wait_until_shown(self, shown, what):
-        for name, vantrel in self.paths.items():
-            wait_for(lambda v=vantrel: v.panel_shown() == shown,
-                     f"the panel {'shown' if shown else 'hidden'} {what} ({name})")
-
-    def test_the_panel_follows_the_window_in_front(self):
-        for description, window in (("native Codex, named by its desktop entry", self.codex),
-                                    ("native ChatGPT", self.chatgpt), ("X11 Codex", self.x11_codex)):
-            self.editor.activate()
-            self.wait_until_shown(False, "over an unrelated window")
-            window.activate()
-            self.wait_until_shown(True, f"over {description}")
 
     def test_a_window_running_the_codex_cli_counts_where_the_process_is_known(self):
         cli = pathlib.Path(self.desktop.runtime.name) / "cli" / "codex"
@@ -82,35 +58,6 @@ class OnSway(DesktopTestCase):
                     ("separator", ""),
                     ("menu item", "Ukončit Vantrel"),
                 ])
-
-    def test_pinning_from_the_tray_keeps_the_panel_above_every_window(self):
-        self.editor.activate()
-        self.wait_until_shown(False, "over the editor")
-        trays = [TrayItem(vantrel.process.pid) for vantrel in self.paths.values()]
-        for tray in trays:
-            self.assertFalse(tray.checked(3))
-            tray.choose(3)
-        try:
-            self.wait_until_shown(True, "pinned over the editor")
-            for window in (self.x11_codex, self.editor, self.chatgpt):
-                window.activate()
-                self.wait_until_shown(True, "pinned, whatever is in front")
-            self.assertTrue(all(tray.checked(3) for tray in trays))
-            self.assertEqual(self.desktop.focused()["pid"], self.chatgpt.pid)
-        finally:
-            for tray in trays:
-                tray.choose(3)
-        self.editor.activate()
-        self.wait_until_shown(False, "unpinned over the editor")
-        self.assertFalse(any(tray.checked(3) for tray in trays))
-
-    def test_accessibility_sees_the_panel_come_and_go(self):
-        vantrel = self.paths["sway IPC"]
-        panel = a11y.panel_root(a11y.application(vantrel.process.pid))
-        self.codex.activate()
-        wait_for(lambda: a11y.showing(panel), "the panel showing to AT-SPI")
-        self.editor.activate()
-        wait_for(lambda: not a11y.showing(panel), "the panel hidden to AT-SPI")
 
     def test_the_panel_sits_at_the_bottom_right_and_never_takes_the_focus(self):
         self.codex.activate()
@@ -177,20 +124,6 @@ class OnSway(DesktopTestCase):
         finally:
             self.desktop.swaymsg("workspace 1")
 
-    def test_a_window_closing_while_it_is_identified_changes_nothing_else(self):
-        for _ in range(5):
-            process = subprocess.Popen([COMPANION, "--app-id", "codex"], env=self.desktop.env,
-                                       stdout=subprocess.DEVNULL)
-            time.sleep(0.05)
-            process.kill()
-            process.wait()
-        self.editor.activate()
-        self.wait_until_shown(False, "over the editor after the short-lived windows")
-        self.codex.activate()
-        self.wait_until_shown(True, "over Codex")
-        for name, vantrel in self.paths.items():
-            self.assertIsNone(vantrel.process.poll(), name)
-
     # --- faults ------------------------------------------------------------------------------------
     def start_behind(self, proxy_name, variable, **proxy_options):
         proxy = SocketProxy(pathlib.Path(self.desktop.runtime.name) / proxy_name, **proxy_options)
@@ -237,13 +170,6 @@ class OnSway(DesktopTestCase):
         _, vantrel = self.start_behind("sway-silent", "SWAYSOCK", answer=b"")
         self.assert_knows_nothing_and_runs(vantrel)
         wait_for(lambda: a11y.answers(vantrel.process.pid), "Vantrel answering assistive technology")
-
-
-def pixel(png, x, y):
-    text = subprocess.run(["convert", str(png), "-crop", f"1x1+{x}+{y}", "-depth", "8", "txt:-"],
-                          capture_output=True, text=True, check=True, timeout=20).stdout
-    values = text.splitlines()[-1].split("(", 1)[1].split(")", 1)[0].split(",")
-    return tuple(int(float(v)) for v in values[:3])
 
 
 if __name__ == "__main__":
