@@ -11,6 +11,7 @@
 
 #include <QApplication>
 #include <QLabel>
+#include <QMenu>
 #include <QScreen>
 #include <QTimer>
 
@@ -41,7 +42,9 @@ AppDelegate::AppDelegate(AppServices services, QObject* parent)
       creditLabel(std::make_unique<QLabel>(QString::fromUtf8("Tokeny: API neposkytuje"))),
       services_(std::move(services)), frontmost_(services_.identification),
       mainThread_(std::make_shared<MainThreadQueue>(this))
-{}
+{
+    createMenuEntries();
+}
 
 AppDelegate::~AppDelegate()
 {
@@ -51,7 +54,8 @@ AppDelegate::~AppDelegate()
 void AppDelegate::applicationDidFinishLaunching()
 {
     // An accessory application: the panel is a tool window that skips the taskbar (OverlayPanel and
-    // Desktop::prepareToShow), the tray item is the only handle, and closing a window never quits.
+    // Desktop::prepareToShow), the tray item and the panel's own menu are the only handles, and closing a
+    // window never quits.
     qApp->setQuitOnLastWindowClosed(false);
     createStatusItem();
     createPanel();

@@ -6,6 +6,7 @@
 #include "Vantrel/telemetry/SampleRecord.h"
 #include "Vantrel/telemetry/SystemSampler.h"
 
+#include <QList>
 #include <QObject>
 
 #include <nlohmann/json_fwd.hpp>
@@ -16,6 +17,8 @@
 
 class QAction;
 class QLabel;
+class QMenu;
+class QPoint;
 class QScreen;
 class QScrollArea;
 class QTimer;
@@ -36,9 +39,9 @@ class StatusItem;
 // The one long-lived object of the running application: it owns the sampler, the tray item, the panel
 // and every view the figures go to, both timers and the limits script run, and wires them together.
 // Everything runs on the main thread except the limits script's worker, which only posts back.
-// Its methods are spread over the files of the app folder by job: lifecycle (AppDelegate.cpp), tray
-// menu (StatusMenu.cpp), panel tree (PanelBuilder.cpp), visibility and placement (Visibility.cpp),
-// telemetry tick (TelemetryTick.cpp), limits (UsageFetch.cpp).
+// Its methods are spread over the files of the app folder by job: lifecycle (AppDelegate.cpp), the
+// menu of the tray item and of the panel (StatusMenu.cpp), panel tree (PanelBuilder.cpp), visibility and
+// placement (Visibility.cpp), telemetry tick (TelemetryTick.cpp), limits (UsageFetch.cpp).
 class AppDelegate : public QObject {
     Q_OBJECT
 
@@ -54,8 +57,9 @@ public:
     void refresh();
     void quit();
 
-    // The tray item and its menu.
+    // The menu, which both the tray item and a right click on the panel open, and the tray item.
     void createStatusItem();
+    void showPanelMenu(const QPoint& position);
     void toggleFromMenu();
     void toggleEverywhere(QAction* sender);
 
@@ -82,6 +86,10 @@ public:
     SystemSampler sampler;
     std::unique_ptr<OverlayPanel> panel;
     std::unique_ptr<StatusItem> statusItem;
+    // The menu's entries in order, the separator included, made with the delegate and owned by it. The tray
+    // item's menu and the panel's own show these same actions, so the two never disagree on a check mark.
+    QList<QAction*> menuEntries;
+    std::unique_ptr<QMenu> panelMenu;
     ui::StackView* root = nullptr;
     ui::StackView* body = nullptr;
     ui::StackView* details = nullptr;
@@ -110,6 +118,7 @@ public:
     std::optional<limits::ScriptProcess> usageProcess;
 
 private:
+    void createMenuEntries();
     void applyVisibility();
     void orderFrontRegardless();
     void showHeldSample();

@@ -4,23 +4,40 @@
 
 #include <QAction>
 #include <QKeySequence>
+#include <QMenu>
 
 namespace vantrel {
+
+void AppDelegate::createMenuEntries()
+{
+    const auto entry = [this](const char* title) { return new QAction(QString::fromUtf8(title), this); };
+    QAction* show = entry("Zobrazit / skrýt údaje");
+    connect(show, &QAction::triggered, this, &AppDelegate::toggleFromMenu);
+    QAction* refreshEntry = entry("Obnovit limity");
+    connect(refreshEntry, &QAction::triggered, this, &AppDelegate::refresh);
+    QAction* everywhere = entry("Zobrazovat i nad jinými aplikacemi");
+    everywhere->setCheckable(true);
+    connect(everywhere, &QAction::triggered, this, [this, everywhere] { toggleEverywhere(everywhere); });
+    auto* separator = new QAction(this);
+    separator->setSeparator(true);
+    QAction* quitEntry = entry("Ukončit Vantrel");
+    quitEntry->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q));
+    connect(quitEntry, &QAction::triggered, this, &AppDelegate::quit);
+    menuEntries = {show, refreshEntry, everywhere, separator, quitEntry};
+}
 
 void AppDelegate::createStatusItem()
 {
     statusItem = std::make_unique<StatusItem>();
-    QMenu& menu = statusItem->menu();
-    menu.addAction(QString::fromUtf8("Zobrazit / skrýt údaje"), this, &AppDelegate::toggleFromMenu);
-    menu.addAction(QString::fromUtf8("Obnovit limity"), this, &AppDelegate::refresh);
-    QAction* everywhere = menu.addAction(QString::fromUtf8("Zobrazovat i nad jinými aplikacemi"));
-    everywhere->setCheckable(true);
-    connect(everywhere, &QAction::triggered, this, [this, everywhere] { toggleEverywhere(everywhere); });
-    menu.addSeparator();
-    QAction* quitEntry = menu.addAction(QString::fromUtf8("Ukončit Vantrel"), this, &AppDelegate::quit);
-    quitEntry->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q));
+    statusItem->menu().addActions(menuEntries);
     // Without a tray host this shows nothing and says nothing; Qt embeds the item once a host appears.
     statusItem->show();
+}
+
+// NOLINTNEXTLINE(readability-make-member-function-const): it opens the menu the delegate owns
+void AppDelegate::showPanelMenu(const QPoint& position)
+{
+    panelMenu->popup(position);
 }
 
 void AppDelegate::toggleFromMenu()
@@ -28,7 +45,7 @@ void AppDelegate::toggleFromMenu()
     using State = ui::MiniSwitch::State;
     showSwitch->setState(showSwitch->state() == State::On ? State::Off : State::On);
     toggleShow();
-    // Chosen from the tray, the panel comes up whatever is in front; the next switch of application
+    // Chosen from the menu, the panel comes up whatever is in front; the next switch of application
     // applies the usual rule again.
     orderFrontRegardless();
 }

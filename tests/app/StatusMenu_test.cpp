@@ -2,13 +2,19 @@
 #include "Vantrel/app/PlatformWording.h"
 #include "Vantrel/app/StatusItem.h"
 #include "Vantrel/ui/Layout.h"
+#include "Vantrel/ui/MeterRow.h"
 #include "Vantrel/ui/MiniSwitch.h"
 
 #include <QAction>
+#include <QApplication>
+#include <QContextMenuEvent>
 #include <QKeySequence>
+#include <QLabel>
+#include <QMenu>
+#include <QMouseEvent>
+#include <QScrollArea>
 
 #include "DelegateFixture.h"
-
 namespace vantrel::testing {
 namespace {
 
@@ -133,6 +139,110 @@ TEST_F(StatusMenuTest, RefreshStartsALimitsRun)
 {
     const AppDelegate& app = withPanel();
     entry(2)->trigger();
+    EXPECT_TRUE(app.isFetching);
+    EXPECT_TRUE(waitUntil([&] { return !app.isFetching; }));
+}
+
+class PanelMenuTest : public DelegateFixture {
+protected:
+    QAction* panelEntry(int position) { return delegate().panelMenu->actions().at(position - 1); }
+    QAction* trayEntry(int position) { return delegate().statusItem->menu().actions().at(position - 1); }
+
+    // A right click on the view at this point of the screen, as Qt reports one from an X server: the
+    // button goes down, the menu is asked for, the button comes up.
+    static void rightClick(QWidget& view, const QPoint& onScreen)
+    {
+        const QPointF local = view.mapFromGlobal(QPointF(onScreen));
+        QMouseEvent press(QEvent::MouseButtonPress, local, QPointF(onScreen), Qt::RightButton,
+                          Qt::RightButton, Qt::NoModifier);
+        QApplication::sendEvent(&view, &press);
+        QContextMenuEvent request(QContextMenuEvent::Mouse, local.toPoint(), onScreen);
+        QApplication::sendEvent(&view, &request);
+        QMouseEvent release(QEvent::MouseButtonRelease, local, QPointF(onScreen), Qt::RightButton,
+                            Qt::NoButton, Qt::NoModifier);
+        QApplication::sendEvent(&view, &release);
+    }
+};
+
+TEST_F(PanelMenuTest, ThePanelsMenuShowsTheTrayMenusOwnEntries)
+{
+    const AppDelegate& app = withPanel();
+    ASSERT_NE(app.panelMenu, nullptr);
+    EXPECT_EQ(app.panelMenu->actions(), app.statusItem->menu().actions());
+    EXPECT_EQ(app.panelMenu->actions(), app.menuEntries);
+    ASSERT_EQ(app.panelMenu->actions().size(), 5);
+    EXPECT_EQ(panelEntry(1)->text(), QString::fromUtf8("Zobrazit / skrýt údaje"));
+    EXPECT_TRUE(panelEntry(4)->isSeparator());
+    EXPECT_EQ(panelEntry(5)->text(), QString::fromUtf8("Ukončit Vantrel"));
+}
+
+TEST_F(PanelMenuTest, ARightClickAnywhereOnThePanelOpensTheMenuWhereItWasClicked)
+{
+    const AppDelegate& app = withShownPanel();
+    const QPoint onScreen(120, 140);
+    const std::vector<std::pair<const char*, QWidget*>> views{
+        {"the panel", app.panel.get()},
+        {"the scroller's viewport", app.scroll->viewport()},
+        {"a row's caption", app.cpu->label()},
+        {"the switch of the figures", app.showSwitch.get()},
+        {"the credit line", app.creditLabel.get()},
+    };
+    for (const auto& [description, view] : views) {
+        rightClick(*view, onScreen);
+        EXPECT_TRUE(app.panelMenu->isVisible()) << description;
+        EXPECT_EQ(app.panelMenu->pos(), onScreen) << description;
+        app.panelMenu->hide();
+    }
+}
+
+TEST_F(PanelMenuTest, AnotherWindowComingToTheFrontClosesTheMenu)
+{
+    const AppDelegate& app = withShownPanel();
+    rightClick(*app.panel, QPoint(120, 140));
+    ASSERT_TRUE(app.panelMenu->isVisible());
+    desktop.switchTo(windowOfClass("ChatGPT"));
+    EXPECT_FALSE(app.panelMenu->isVisible());
+    EXPECT_TRUE(app.panel->isVisible());
+}
+
+TEST_F(PanelMenuTest, ARightClickOnTheSwitchLeavesItAsItWas)
+{
+    const AppDelegate& app = withShownPanel();
+    rightClick(*app.showSwitch, app.showSwitch->mapToGlobal(QPoint(4, 4)));
+    app.panelMenu->hide();
+    EXPECT_EQ(app.showSwitch->state(), MiniSwitch::State::On);
+    EXPECT_FALSE(app.body->isHidden());
+}
+
+TEST_F(PanelMenuTest, PinningFromEitherMenuMarksBoth)
+{
+    const AppDelegate& app = withPanel();
+    desktop.frontmost = windowOfClass("xterm");
+    panelEntry(3)->trigger();
+    EXPECT_TRUE(app.pinnedEverywhere);
+    EXPECT_TRUE(app.panel->isVisible());
+    EXPECT_TRUE(panelEntry(3)->isChecked());
+    EXPECT_TRUE(trayEntry(3)->isChecked());
+    trayEntry(3)->trigger();
+    EXPECT_FALSE(app.pinnedEverywhere);
+    EXPECT_FALSE(app.panel->isVisible());
+    EXPECT_FALSE(panelEntry(3)->isChecked());
+    EXPECT_FALSE(trayEntry(3)->isChecked());
+}
+
+TEST_F(PanelMenuTest, TheFirstEntryHidesTheFiguresAndKeepsThePanelUp)
+{
+    const AppDelegate& app = withShownPanel();
+    panelEntry(1)->trigger();
+    EXPECT_EQ(app.showSwitch->state(), MiniSwitch::State::Off);
+    EXPECT_TRUE(app.body->isHidden());
+    EXPECT_TRUE(app.panel->isVisible());
+}
+
+TEST_F(PanelMenuTest, RefreshFromThePanelStartsALimitsRun)
+{
+    const AppDelegate& app = withPanel();
+    panelEntry(2)->trigger();
     EXPECT_TRUE(app.isFetching);
     EXPECT_TRUE(waitUntil([&] { return !app.isFetching; }));
 }
