@@ -5,6 +5,7 @@
 #include "Vantrel/app/MainThreadQueue.h"
 #include "Vantrel/app/OverlayPanel.h"
 #include "Vantrel/app/StatusItem.h"
+#include "Vantrel/app/TrayHosts.h"
 #include "Vantrel/ui/MeterRow.h"
 #include "Vantrel/ui/MiniSwitch.h"
 #include "Vantrel/ui/Palette.h"
@@ -57,7 +58,12 @@ void AppDelegate::applicationDidFinishLaunching()
     // Desktop::prepareToShow), the tray item and the panel's own menu are the only handles, and closing a
     // window never quits.
     qApp->setQuitOnLastWindowClosed(false);
-    createStatusItem();
+    if (services_.trayHosts != nullptr) {
+        connect(services_.trayHosts, &TrayHosts::changed, this, &AppDelegate::trayHostsChanged);
+        trayHostsChanged();
+    } else {
+        createStatusItem();
+    }
     createPanel();
     sample();
     fetchUsage();

@@ -2,6 +2,7 @@
 
 #include "Vantrel/app/AppServices.h"
 #include "Vantrel/app/FrontmostIdentifier.h"
+#include "Vantrel/app/TrayItemRules.h"
 #include "Vantrel/limits/ScriptProcess.h"
 #include "Vantrel/telemetry/SampleRecord.h"
 #include "Vantrel/telemetry/SystemSampler.h"
@@ -57,8 +58,10 @@ public:
     void refresh();
     void quit();
 
-    // The menu, which both the tray item and a right click on the panel open, and the tray item.
+    // The menu, which both the tray item and a right click on the panel open, and the tray item, made once
+    // a tray host can show it (at once where no TrayHosts service tells).
     void createStatusItem();
+    void trayHostsChanged();
     void showPanelMenu(const QPoint& position);
     void toggleFromMenu();
     void toggleEverywhere(QAction* sender);
@@ -127,7 +130,9 @@ private:
     AppServices services_;
     FrontmostIdentifier frontmost_;
     std::shared_ptr<MainThreadQueue> mainThread_;
-    std::optional<SampleRecord> heldSample_; // the newest tick's record while the panel is hidden
+    std::optional<SampleRecord> heldSample_;   // the newest tick's record while the panel is hidden
+    std::optional<TrayItemKind> trayItemKind_; // how the tray item reaches its host, once it is made
+    TrayNotices trayNotices_;
 };
 
 } // namespace vantrel

@@ -1,10 +1,13 @@
 #include "Vantrel/app/AppDelegate.h"
 #include "Vantrel/app/StatusItem.h"
+#include "Vantrel/app/TrayHosts.h"
 #include "Vantrel/ui/MiniSwitch.h"
 
 #include <QAction>
 #include <QKeySequence>
 #include <QMenu>
+
+#include <cstdio>
 
 namespace vantrel {
 
@@ -30,8 +33,28 @@ void AppDelegate::createStatusItem()
 {
     statusItem = std::make_unique<StatusItem>();
     statusItem->menu().addActions(menuEntries);
-    // Without a tray host this shows nothing and says nothing; Qt embeds the item once a host appears.
+    // From now on Qt follows the hosts of the item's kind by itself; without one it shows nothing and
+    // says nothing.
     statusItem->show();
+}
+
+void AppDelegate::trayHostsChanged()
+{
+    const auto hosts = services_.trayHosts->facts();
+    if (!hosts) {
+        return;
+    }
+    if (!trayItemKind_) {
+        trayItemKind_ = trayItemKindFor(*hosts);
+        if (trayItemKind_) {
+            createStatusItem();
+        }
+    }
+    const bool shown = trayItemKind_ && trayItemShown(*trayItemKind_, *hosts);
+    if (const auto notice = trayNotices_.observe(shown)) {
+        const std::string_view line = trayNoticeLine(*notice);
+        static_cast<void>(std::fprintf(stderr, "%.*s\n", static_cast<int>(line.size()), line.data()));
+    }
 }
 
 // NOLINTNEXTLINE(readability-make-member-function-const): it opens the menu the delegate owns

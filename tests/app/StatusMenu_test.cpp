@@ -15,6 +15,9 @@
 #include <QScrollArea>
 
 #include "DelegateFixture.h"
+#include <sstream>
+#include <string>
+
 namespace vantrel::testing {
 namespace {
 
@@ -245,6 +248,104 @@ TEST_F(PanelMenuTest, RefreshFromThePanelStartsALimitsRun)
     panelEntry(2)->trigger();
     EXPECT_TRUE(app.isFetching);
     EXPECT_TRUE(waitUntil([&] { return !app.isFetching; }));
+}
+
+TEST_F(PanelMenuTest, WithoutATrayHostThePanelsMenuIsThereAndPins)
+{
+    followTrayHosts = true;
+    AppDelegate& app = delegate();
+    desktop.frontmost = windowOfClass("xterm");
+    app.applicationDidFinishLaunching();
+    ::testing::internal::CaptureStderr();
+    trayHosts.change({false, false});
+    ::testing::internal::GetCapturedStderr();
+    ASSERT_EQ(app.statusItem, nullptr);
+    ASSERT_EQ(app.panelMenu->actions().size(), 5);
+    panelEntry(3)->trigger();
+    EXPECT_TRUE(panelEntry(3)->isChecked());
+    EXPECT_TRUE(app.panel->isVisible());
+}
+
+class TrayHostsTest : public DelegateFixture {
+protected:
+    TrayHostsTest()
+    {
+        followTrayHosts = true;
+        delegate().applicationDidFinishLaunching();
+    }
+
+    // What the delegate says on standard error as the hosts change so (Qt's own warnings left out: the
+    // offscreen platform has no tray).
+    std::string saidAfter(TrayHostFacts hosts)
+    {
+        ::testing::internal::CaptureStderr();
+        trayHosts.change(hosts);
+        std::istringstream lines(::testing::internal::GetCapturedStderr());
+        std::string said;
+        for (std::string line; std::getline(lines, line);) {
+            if (line.starts_with("vantrel: ")) {
+                said += line + "\n";
+            }
+        }
+        return said;
+    }
+
+    static constexpr TrayHostFacts none{false, false};
+    static constexpr TrayHostFacts statusNotifier{true, false};
+    static constexpr TrayHostFacts xembed{false, true};
+    static inline const std::string noHostLine = std::string(trayNoticeLine(TrayNotice::noHost)) + "\n";
+    static inline const std::string arrivalLine = std::string(trayNoticeLine(TrayNotice::hostArrived)) + "\n";
+};
+
+TEST_F(TrayHostsTest, UntilTheHostsAreKnownNoItemIsMadeAndNothingSaid)
+{
+    ::testing::internal::CaptureStderr();
+    delegate().trayHostsChanged();
+    EXPECT_EQ(::testing::internal::GetCapturedStderr(), "");
+    EXPECT_EQ(delegate().statusItem, nullptr);
+    EXPECT_NE(delegate().panel, nullptr);
+}
+
+TEST_F(TrayHostsTest, AHostFromTheStartGetsTheItemSilently)
+{
+    EXPECT_EQ(saidAfter(statusNotifier), "");
+    EXPECT_NE(delegate().statusItem, nullptr);
+}
+
+TEST_F(TrayHostsTest, WithoutAHostTheItemWaitsAndThatIsSaidOnce)
+{
+    EXPECT_EQ(saidAfter(none), noHostLine);
+    EXPECT_EQ(delegate().statusItem, nullptr);
+    EXPECT_EQ(saidAfter(none), "");
+    EXPECT_EQ(delegate().statusItem, nullptr);
+}
+
+TEST_F(TrayHostsTest, AHostComingLaterGetsTheItemAndThatIsSaid)
+{
+    saidAfter(none);
+    EXPECT_EQ(saidAfter(statusNotifier), arrivalLine);
+    ASSERT_NE(delegate().statusItem, nullptr);
+    EXPECT_EQ(delegate().statusItem->menu().actions(), delegate().menuEntries);
+}
+
+TEST_F(TrayHostsTest, TheItemIsMadeOnceAndKeepsTheKindItWasMadeFor)
+{
+    saidAfter(xembed);
+    const StatusItem* item = delegate().statusItem.get();
+    ASSERT_NE(item, nullptr);
+    // An XEmbed icon never joins a StatusNotifierItem host.
+    EXPECT_EQ(saidAfter(statusNotifier), noHostLine);
+    EXPECT_EQ(saidAfter({true, true}), arrivalLine);
+    EXPECT_EQ(delegate().statusItem.get(), item);
+}
+
+TEST_F(TrayHostsTest, AHostComingAndGoingAgainIsNotToldAgain)
+{
+    saidAfter(statusNotifier);
+    EXPECT_EQ(saidAfter(none), noHostLine);
+    EXPECT_EQ(saidAfter(statusNotifier), arrivalLine);
+    EXPECT_EQ(saidAfter(none), "");
+    EXPECT_EQ(saidAfter(statusNotifier), "");
 }
 
 } // namespace
