@@ -5,12 +5,14 @@
 #include "Vantrel/app/MainThreadQueue.h"
 #include "Vantrel/app/OverlayPanel.h"
 #include "Vantrel/app/StatusItem.h"
+#include "Vantrel/app/TrayHosts.h"
 #include "Vantrel/ui/MeterRow.h"
 #include "Vantrel/ui/MiniSwitch.h"
 #include "Vantrel/ui/Palette.h"
 
 #include <QApplication>
 #include <QLabel>
+#include <QMenu>
 #include <QScreen>
 #include <QTimer>
 
@@ -41,7 +43,9 @@ AppDelegate::AppDelegate(AppServices services, QObject* parent)
       creditLabel(std::make_unique<QLabel>(QString::fromUtf8("Tokeny: API neposkytuje"))),
       services_(std::move(services)), frontmost_(services_.identification),
       mainThread_(std::make_shared<MainThreadQueue>(this))
-{}
+{
+    createMenuEntries();
+}
 
 AppDelegate::~AppDelegate()
 {
@@ -51,9 +55,15 @@ AppDelegate::~AppDelegate()
 void AppDelegate::applicationDidFinishLaunching()
 {
     // An accessory application: the panel is a tool window that skips the taskbar (OverlayPanel and
-    // Desktop::prepareToShow), the tray item is the only handle, and closing a window never quits.
+    // Desktop::prepareToShow), the tray item and the panel's own menu are the only handles, and closing a
+    // window never quits.
     qApp->setQuitOnLastWindowClosed(false);
-    createStatusItem();
+    if (services_.trayHosts != nullptr) {
+        connect(services_.trayHosts, &TrayHosts::changed, this, &AppDelegate::trayHostsChanged);
+        trayHostsChanged();
+    } else {
+        createStatusItem();
+    }
     createPanel();
     sample();
     fetchUsage();

@@ -2,10 +2,12 @@
 
 #include "Vantrel/app/AppServices.h"
 #include "Vantrel/app/FrontmostIdentifier.h"
+#include "Vantrel/app/TrayItemRules.h"
 #include "Vantrel/limits/ScriptProcess.h"
 #include "Vantrel/telemetry/SampleRecord.h"
 #include "Vantrel/telemetry/SystemSampler.h"
 
+#include <QList>
 #include <QObject>
 
 #include <nlohmann/json_fwd.hpp>
@@ -16,6 +18,8 @@
 
 class QAction;
 class QLabel;
+class QMenu;
+class QPoint;
 class QScreen;
 class QScrollArea;
 class QTimer;
@@ -36,9 +40,9 @@ class StatusItem;
 // The one long-lived object of the running application: it owns the sampler, the tray item, the panel
 // and every view the figures go to, both timers and the limits script run, and wires them together.
 // Everything runs on the main thread except the limits script's worker, which only posts back.
-// Its methods are spread over the files of the app folder by job: lifecycle (AppDelegate.cpp), tray
-// menu (StatusMenu.cpp), panel tree (PanelBuilder.cpp), visibility and placement (Visibility.cpp),
-// telemetry tick (TelemetryTick.cpp), limits (UsageFetch.cpp).
+// Its methods are spread over the files of the app folder by job: lifecycle (AppDelegate.cpp), the
+// menu of the tray item and of the panel (StatusMenu.cpp), panel tree (PanelBuilder.cpp), visibility and
+// placement (Visibility.cpp), telemetry tick (TelemetryTick.cpp), limits (UsageFetch.cpp).
 class AppDelegate : public QObject {
     Q_OBJECT
 
@@ -54,8 +58,11 @@ public:
     void refresh();
     void quit();
 
-    // The tray item and its menu.
+    // The menu, which both the tray item and a right click on the panel open, and the tray item, made once
+    // a tray host can show it (at once where no TrayHosts service tells).
     void createStatusItem();
+    void trayHostsChanged();
+    void showPanelMenu(const QPoint& position);
     void toggleFromMenu();
     void toggleEverywhere(QAction* sender);
 
@@ -82,6 +89,10 @@ public:
     SystemSampler sampler;
     std::unique_ptr<OverlayPanel> panel;
     std::unique_ptr<StatusItem> statusItem;
+    // The menu's entries in order, the separator included, made with the delegate and owned by it. The tray
+    // item's menu and the panel's own show these same actions, so the two never disagree on a check mark.
+    QList<QAction*> menuEntries;
+    std::unique_ptr<QMenu> panelMenu;
     ui::StackView* root = nullptr;
     ui::StackView* body = nullptr;
     ui::StackView* details = nullptr;
@@ -110,6 +121,7 @@ public:
     std::optional<limits::ScriptProcess> usageProcess;
 
 private:
+    void createMenuEntries();
     void applyVisibility();
     void orderFrontRegardless();
     void showHeldSample();
@@ -118,7 +130,9 @@ private:
     AppServices services_;
     FrontmostIdentifier frontmost_;
     std::shared_ptr<MainThreadQueue> mainThread_;
-    std::optional<SampleRecord> heldSample_; // the newest tick's record while the panel is hidden
+    std::optional<SampleRecord> heldSample_;   // the newest tick's record while the panel is hidden
+    std::optional<TrayItemKind> trayItemKind_; // how the tray item reaches its host, once it is made
+    TrayNotices trayNotices_;
 };
 
 } // namespace vantrel

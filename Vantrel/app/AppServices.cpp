@@ -23,9 +23,10 @@ double secondsSinceEpoch()
 
 } // namespace
 
-AppServices productionServices(Desktop& desktop)
+AppServices productionServices(Desktop& desktop, TrayHosts* trayHosts)
 {
     return {&desktop,
+            trayHosts,
             platform::identificationSources(),
             PlatformOptions{},
             onlineProcessorCount,

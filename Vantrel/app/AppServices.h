@@ -10,12 +10,15 @@
 namespace vantrel {
 
 class Desktop;
+class TrayHosts;
 
-// What the delegate takes from its surroundings: the desktop and how it names applications, the sources
-// of the figures, the limits script's location and the clock. The program uses the real ones; tests put in
-// their own.
+// What the delegate takes from its surroundings: the desktop and how it names applications, its tray hosts,
+// the sources of the figures, the limits script's location and the clock. The program uses the real ones;
+// tests put in their own.
 struct AppServices {
     Desktop* desktop = nullptr;
+    // Nothing: the tray item has its place from the start, as in a macOS menu bar.
+    TrayHosts* trayHosts = nullptr;
     IdentificationSources identification;
     PlatformOptions telemetry;
     std::function<int()> activeProcessorCount;
@@ -26,6 +29,6 @@ struct AppServices {
     std::function<double()> now;
 };
 
-AppServices productionServices(Desktop& desktop);
+AppServices productionServices(Desktop& desktop, TrayHosts* trayHosts);
 
 } // namespace vantrel

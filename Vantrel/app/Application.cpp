@@ -5,6 +5,7 @@
 #include "Vantrel/app/MemoryPolicy.h"
 #include "Vantrel/app/Platform.h"
 #include "Vantrel/app/QuitOnSignals.h"
+#include "Vantrel/app/TrayHosts.h"
 
 #include <QApplication>
 #include <QTimer>
@@ -30,8 +31,9 @@ int runApplication(int argc, char** argv)
     if (!desktop) {
         return 1;
     }
+    const auto trayHosts = platform::createTrayHosts();
     const QuitOnSignals quitOnSignals;
-    AppDelegate delegate(productionServices(*desktop));
+    AppDelegate delegate(productionServices(*desktop, trayHosts.get()));
     QObject::connect(&application, &QCoreApplication::aboutToQuit, &delegate,
                      &AppDelegate::applicationWillTerminate);
     QTimer::singleShot(0, &delegate, &AppDelegate::applicationDidFinishLaunching);

@@ -1,5 +1,6 @@
 #include "Vantrel/app/OverlayPanel.h"
 
+#include <QContextMenuEvent>
 #include <QPainter>
 #include <QPainterPath>
 #include <QRegion>
@@ -36,6 +37,11 @@ void OverlayPanel::place(const QRect& frame)
     if (!isVisible() && windowHandle() != nullptr) {
         windowHandle()->setGeometry(frame);
     }
+}
+
+void OverlayPanel::contextMenuEvent(QContextMenuEvent* event)
+{
+    emit menuRequested(event->globalPos());
 }
 
 void OverlayPanel::paintEvent(QPaintEvent* /*event*/)

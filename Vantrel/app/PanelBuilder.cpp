@@ -11,6 +11,7 @@
 #include "Vantrel/ui/Palette.h"
 
 #include <QLabel>
+#include <QMenu>
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QVBoxLayout>
@@ -63,6 +64,14 @@ void AppDelegate::createPanel()
     panel->setWindowTitle(QString::fromUtf8("Vantrel Solvane"));
     panel->setPalette(ui::darkPalette());
     panel->resize(panelWidth, initialPanelHeight);
+    // A right click anywhere on the panel opens the menu of the tray item, whether or not a tray host
+    // shows the item.
+    panelMenu = std::make_unique<QMenu>();
+    panelMenu->addActions(menuEntries);
+    connect(panel.get(), &OverlayPanel::menuRequested, this, &AppDelegate::showPanelMenu);
+    // In a Wayland session XWayland sees no click on a native window, so a click there leaves the menu
+    // open; another window coming to the front closes it.
+    connect(services_.desktop, &Desktop::frontmostChanged, panelMenu.get(), &QWidget::close);
 
     // Header: title and credit, then the switch for the figures with its caption at the top right.
     auto* titleBlock =

@@ -17,6 +17,12 @@ void FakeDesktop::switchTo(std::optional<FrontmostWindow> window)
     emit frontmostChanged();
 }
 
+void FakeTrayHosts::change(TrayHostFacts now)
+{
+    hosts = now;
+    emit changed();
+}
+
 FrontmostWindow windowOfClass(const char* windowClass)
 {
     FrontmostWindow window;
@@ -69,6 +75,7 @@ AppServices DelegateFixture::services()
 {
     AppServices result;
     result.desktop = &desktop;
+    result.trayHosts = followTrayHosts ? &trayHosts : nullptr;
     result.identification.entryName = [this](const FrontmostWindow& window) -> std::optional<std::string> {
         const auto found = entryNames.find(window.appId);
         return found == entryNames.end() ? std::nullopt : std::optional(found->second);

@@ -2,6 +2,7 @@
 
 #include "Vantrel/app/AppDelegate.h"
 #include "Vantrel/app/Desktop.h"
+#include "Vantrel/app/TrayHosts.h"
 
 #include <QColor>
 #include <QString>
@@ -37,6 +38,15 @@ public:
     void switchTo(std::optional<FrontmostWindow> window);
 };
 
+// Tray hosts that come and go as the test says; unknown until it first says.
+class FakeTrayHosts : public TrayHosts {
+public:
+    std::optional<TrayHostFacts> hosts;
+
+    std::optional<TrayHostFacts> facts() override { return hosts; }
+    void change(TrayHostFacts now);
+};
+
 FrontmostWindow windowOfClass(const char* windowClass);
 // A window of this class whose process has this id.
 FrontmostWindow windowOfProcess(const char* windowClass, std::int64_t pid);
@@ -69,6 +79,8 @@ protected:
     QString resourcePath(const char* name) const;
 
     FakeDesktop desktop;
+    FakeTrayHosts trayHosts;
+    bool followTrayHosts = false; // without, the tray item is made at once, as where nothing tells of hosts
     std::map<std::string, std::string> entryNames;     // app_id or class → desktop entry's name
     std::map<std::int64_t, ProcessFindings> processes; // pid → what its process tree tells
     int processInspections = 0;

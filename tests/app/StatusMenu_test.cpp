@@ -2,12 +2,21 @@
 #include "Vantrel/app/PlatformWording.h"
 #include "Vantrel/app/StatusItem.h"
 #include "Vantrel/ui/Layout.h"
+#include "Vantrel/ui/MeterRow.h"
 #include "Vantrel/ui/MiniSwitch.h"
 
 #include <QAction>
+#include <QApplication>
+#include <QContextMenuEvent>
 #include <QKeySequence>
+#include <QLabel>
+#include <QMenu>
+#include <QMouseEvent>
+#include <QScrollArea>
 
 #include "DelegateFixture.h"
+#include <sstream>
+#include <string>
 
 namespace vantrel::testing {
 namespace {
@@ -135,6 +144,208 @@ TEST_F(StatusMenuTest, RefreshStartsALimitsRun)
     entry(2)->trigger();
     EXPECT_TRUE(app.isFetching);
     EXPECT_TRUE(waitUntil([&] { return !app.isFetching; }));
+}
+
+class PanelMenuTest : public DelegateFixture {
+protected:
+    QAction* panelEntry(int position) { return delegate().panelMenu->actions().at(position - 1); }
+    QAction* trayEntry(int position) { return delegate().statusItem->menu().actions().at(position - 1); }
+
+    // A right click on the view at this point of the screen, as Qt reports one from an X server: the
+    // button goes down, the menu is asked for, the button comes up.
+    static void rightClick(QWidget& view, const QPoint& onScreen)
+    {
+        const QPointF local = view.mapFromGlobal(QPointF(onScreen));
+        QMouseEvent press(QEvent::MouseButtonPress, local, QPointF(onScreen), Qt::RightButton,
+                          Qt::RightButton, Qt::NoModifier);
+        QApplication::sendEvent(&view, &press);
+        QContextMenuEvent request(QContextMenuEvent::Mouse, local.toPoint(), onScreen);
+        QApplication::sendEvent(&view, &request);
+        QMouseEvent release(QEvent::MouseButtonRelease, local, QPointF(onScreen), Qt::RightButton,
+                            Qt::NoButton, Qt::NoModifier);
+        QApplication::sendEvent(&view, &release);
+    }
+};
+
+TEST_F(PanelMenuTest, ThePanelsMenuShowsTheTrayMenusOwnEntries)
+{
+    const AppDelegate& app = withPanel();
+    ASSERT_NE(app.panelMenu, nullptr);
+    EXPECT_EQ(app.panelMenu->actions(), app.statusItem->menu().actions());
+    EXPECT_EQ(app.panelMenu->actions(), app.menuEntries);
+    ASSERT_EQ(app.panelMenu->actions().size(), 5);
+    EXPECT_EQ(panelEntry(1)->text(), QString::fromUtf8("Zobrazit / skrýt údaje"));
+    EXPECT_TRUE(panelEntry(4)->isSeparator());
+    EXPECT_EQ(panelEntry(5)->text(), QString::fromUtf8("Ukončit Vantrel"));
+}
+
+TEST_F(PanelMenuTest, ARightClickAnywhereOnThePanelOpensTheMenuWhereItWasClicked)
+{
+    const AppDelegate& app = withShownPanel();
+    const QPoint onScreen(120, 140);
+    const std::vector<std::pair<const char*, QWidget*>> views{
+        {"the panel", app.panel.get()},
+        {"the scroller's viewport", app.scroll->viewport()},
+        {"a row's caption", app.cpu->label()},
+        {"the switch of the figures", app.showSwitch.get()},
+        {"the credit line", app.creditLabel.get()},
+    };
+    for (const auto& [description, view] : views) {
+        rightClick(*view, onScreen);
+        EXPECT_TRUE(app.panelMenu->isVisible()) << description;
+        EXPECT_EQ(app.panelMenu->pos(), onScreen) << description;
+        app.panelMenu->hide();
+    }
+}
+
+TEST_F(PanelMenuTest, AnotherWindowComingToTheFrontClosesTheMenu)
+{
+    const AppDelegate& app = withShownPanel();
+    rightClick(*app.panel, QPoint(120, 140));
+    ASSERT_TRUE(app.panelMenu->isVisible());
+    desktop.switchTo(windowOfClass("ChatGPT"));
+    EXPECT_FALSE(app.panelMenu->isVisible());
+    EXPECT_TRUE(app.panel->isVisible());
+}
+
+TEST_F(PanelMenuTest, ARightClickOnTheSwitchLeavesItAsItWas)
+{
+    const AppDelegate& app = withShownPanel();
+    rightClick(*app.showSwitch, app.showSwitch->mapToGlobal(QPoint(4, 4)));
+    app.panelMenu->hide();
+    EXPECT_EQ(app.showSwitch->state(), MiniSwitch::State::On);
+    EXPECT_FALSE(app.body->isHidden());
+}
+
+TEST_F(PanelMenuTest, PinningFromEitherMenuMarksBoth)
+{
+    const AppDelegate& app = withPanel();
+    desktop.frontmost = windowOfClass("xterm");
+    panelEntry(3)->trigger();
+    EXPECT_TRUE(app.pinnedEverywhere);
+    EXPECT_TRUE(app.panel->isVisible());
+    EXPECT_TRUE(panelEntry(3)->isChecked());
+    EXPECT_TRUE(trayEntry(3)->isChecked());
+    trayEntry(3)->trigger();
+    EXPECT_FALSE(app.pinnedEverywhere);
+    EXPECT_FALSE(app.panel->isVisible());
+    EXPECT_FALSE(panelEntry(3)->isChecked());
+    EXPECT_FALSE(trayEntry(3)->isChecked());
+}
+
+TEST_F(PanelMenuTest, TheFirstEntryHidesTheFiguresAndKeepsThePanelUp)
+{
+    const AppDelegate& app = withShownPanel();
+    panelEntry(1)->trigger();
+    EXPECT_EQ(app.showSwitch->state(), MiniSwitch::State::Off);
+    EXPECT_TRUE(app.body->isHidden());
+    EXPECT_TRUE(app.panel->isVisible());
+}
+
+TEST_F(PanelMenuTest, RefreshFromThePanelStartsALimitsRun)
+{
+    const AppDelegate& app = withPanel();
+    panelEntry(2)->trigger();
+    EXPECT_TRUE(app.isFetching);
+    EXPECT_TRUE(waitUntil([&] { return !app.isFetching; }));
+}
+
+TEST_F(PanelMenuTest, WithoutATrayHostThePanelsMenuIsThereAndPins)
+{
+    followTrayHosts = true;
+    AppDelegate& app = delegate();
+    desktop.frontmost = windowOfClass("xterm");
+    app.applicationDidFinishLaunching();
+    ::testing::internal::CaptureStderr();
+    trayHosts.change({false, false});
+    ::testing::internal::GetCapturedStderr();
+    ASSERT_EQ(app.statusItem, nullptr);
+    ASSERT_EQ(app.panelMenu->actions().size(), 5);
+    panelEntry(3)->trigger();
+    EXPECT_TRUE(panelEntry(3)->isChecked());
+    EXPECT_TRUE(app.panel->isVisible());
+}
+
+class TrayHostsTest : public DelegateFixture {
+protected:
+    TrayHostsTest()
+    {
+        followTrayHosts = true;
+        delegate().applicationDidFinishLaunching();
+    }
+
+    // What the delegate says on standard error as the hosts change so (Qt's own warnings left out: the
+    // offscreen platform has no tray).
+    std::string saidAfter(TrayHostFacts hosts)
+    {
+        ::testing::internal::CaptureStderr();
+        trayHosts.change(hosts);
+        std::istringstream lines(::testing::internal::GetCapturedStderr());
+        std::string said;
+        for (std::string line; std::getline(lines, line);) {
+            if (line.starts_with("vantrel: ")) {
+                said += line + "\n";
+            }
+        }
+        return said;
+    }
+
+    static constexpr TrayHostFacts none{false, false};
+    static constexpr TrayHostFacts statusNotifier{true, false};
+    static constexpr TrayHostFacts xembed{false, true};
+    static inline const std::string noHostLine = std::string(trayNoticeLine(TrayNotice::noHost)) + "\n";
+    static inline const std::string arrivalLine = std::string(trayNoticeLine(TrayNotice::hostArrived)) + "\n";
+};
+
+TEST_F(TrayHostsTest, UntilTheHostsAreKnownNoItemIsMadeAndNothingSaid)
+{
+    ::testing::internal::CaptureStderr();
+    delegate().trayHostsChanged();
+    EXPECT_EQ(::testing::internal::GetCapturedStderr(), "");
+    EXPECT_EQ(delegate().statusItem, nullptr);
+    EXPECT_NE(delegate().panel, nullptr);
+}
+
+TEST_F(TrayHostsTest, AHostFromTheStartGetsTheItemSilently)
+{
+    EXPECT_EQ(saidAfter(statusNotifier), "");
+    EXPECT_NE(delegate().statusItem, nullptr);
+}
+
+TEST_F(TrayHostsTest, WithoutAHostTheItemWaitsAndThatIsSaidOnce)
+{
+    EXPECT_EQ(saidAfter(none), noHostLine);
+    EXPECT_EQ(delegate().statusItem, nullptr);
+    EXPECT_EQ(saidAfter(none), "");
+    EXPECT_EQ(delegate().statusItem, nullptr);
+}
+
+TEST_F(TrayHostsTest, AHostComingLaterGetsTheItemAndThatIsSaid)
+{
+    saidAfter(none);
+    EXPECT_EQ(saidAfter(statusNotifier), arrivalLine);
+    ASSERT_NE(delegate().statusItem, nullptr);
+    EXPECT_EQ(delegate().statusItem->menu().actions(), delegate().menuEntries);
+}
+
+TEST_F(TrayHostsTest, TheItemIsMadeOnceAndKeepsTheKindItWasMadeFor)
+{
+    saidAfter(xembed);
+    const StatusItem* item = delegate().statusItem.get();
+    ASSERT_NE(item, nullptr);
+    // An XEmbed icon never joins a StatusNotifierItem host.
+    EXPECT_EQ(saidAfter(statusNotifier), noHostLine);
+    EXPECT_EQ(saidAfter({true, true}), arrivalLine);
+    EXPECT_EQ(delegate().statusItem.get(), item);
+}
+
+TEST_F(TrayHostsTest, AHostComingAndGoingAgainIsNotToldAgain)
+{
+    saidAfter(statusNotifier);
+    EXPECT_EQ(saidAfter(none), noHostLine);
+    EXPECT_EQ(saidAfter(statusNotifier), arrivalLine);
+    EXPECT_EQ(saidAfter(none), "");
+    EXPECT_EQ(saidAfter(statusNotifier), "");
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "Vantrel/app/Platform.h"
 #include "Vantrel/app/linux/DesktopEntryNames.h"
+#include "Vantrel/app/linux/LinuxTrayHosts.h"
 #include "Vantrel/app/linux/ProcfsProcessTable.h"
 #include "Vantrel/app/wayland/WaylandSession.h"
 #include "Vantrel/app/x11/DisplayCheck.h"
@@ -32,6 +33,11 @@ std::unique_ptr<Desktop> createDesktop()
         return nullptr;
     }
     return createSessionDesktop(std::move(desktop));
+}
+
+std::unique_ptr<TrayHosts> createTrayHosts()
+{
+    return std::make_unique<LinuxTrayHosts>();
 }
 
 IdentificationSources identificationSources()

@@ -1,4 +1,5 @@
 #include "Vantrel/app/Platform.h"
+#include "Vantrel/app/TrayHosts.h"
 #include "Vantrel/app/macos/AppKitCalls.h"
 #include "Vantrel/app/macos/MacDesktop.h"
 
@@ -17,6 +18,12 @@ std::unique_ptr<Desktop> createDesktop()
     // Qt turns a program started outside a bundle into an ordinary application; an accessory it stays.
     appkit::becomeAccessoryApplication();
     return std::make_unique<MacDesktop>();
+}
+
+std::unique_ptr<TrayHosts> createTrayHosts()
+{
+    // The menu bar always has room for the status item.
+    return nullptr;
 }
 
 IdentificationSources identificationSources()

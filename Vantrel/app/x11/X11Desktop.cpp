@@ -1,10 +1,10 @@
 #include "Vantrel/app/x11/X11Desktop.h"
 
 #include "Vantrel/app/x11/WindowIdentity.h"
+#include "Vantrel/app/x11/XcbSupport.h"
 
 #include <QGuiApplication>
 #include <QWidget>
-#include <QtGui/qguiapplication_platform.h>
 
 #include <algorithm>
 #include <cstdlib>
@@ -14,64 +14,20 @@
 namespace vantrel {
 namespace {
 
-struct FreeDeleter {
-    void operator()(void* pointer) const { std::free(pointer); }
-};
-template <typename T> using Reply = std::unique_ptr<T, FreeDeleter>;
-
 constexpr std::uint32_t allDesktops = 0xFFFFFFFF;
 constexpr std::uint32_t addState = 1;
 constexpr std::uint32_t sourceIsApplication = 1;
 constexpr std::uint32_t maxPropertyWords = 1024;
 
-xcb_atom_t internAtom(xcb_connection_t* connection, const std::string& name)
-{
-    const auto cookie = xcb_intern_atom(connection, 0, static_cast<std::uint16_t>(name.size()), name.c_str());
-    const Reply<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(connection, cookie, nullptr));
-    return reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
-}
-
-xcb_screen_t* screenNumbered(xcb_connection_t* connection, int number)
-{
-    auto iterator = xcb_setup_roots_iterator(xcb_get_setup(connection));
-    for (int index = 0; iterator.rem > 0; ++index, xcb_screen_next(&iterator)) {
-        if (index == number) {
-            return iterator.data;
-        }
-    }
-    return nullptr;
-}
-
-// The screen that $DISPLAY names, which is the one Qt connected to.
-int displayScreenNumber()
-{
-    char* host = nullptr;
-    int display = 0;
-    int screen = 0;
-    if (xcb_parse_display(nullptr, &host, &display, &screen) == 0) {
-        screen = 0;
-    }
-    std::free(host);
-    return screen;
-}
-
 } // namespace
 
 std::unique_ptr<X11Desktop> X11Desktop::create()
 {
-    auto* x11 = qApp ? qApp->nativeInterface<QNativeInterface::QX11Application>() : nullptr;
-    if (x11 == nullptr || x11->connection() == nullptr) {
+    const auto screen = qtX11Screen();
+    if (!screen) {
         return nullptr;
     }
-    xcb_connection_t* connection = x11->connection();
-    const int screenNumber = displayScreenNumber();
-    const xcb_screen_t* screen = screenNumbered(connection, screenNumber);
-    if (screen == nullptr) {
-        screen = screenNumbered(connection, 0);
-    }
-    if (screen == nullptr) {
-        return nullptr;
-    }
+    xcb_connection_t* connection = screen->connection;
     const Atoms atoms{internAtom(connection, "_NET_ACTIVE_WINDOW"),
                       internAtom(connection, "_NET_WM_PID"),
                       internAtom(connection, "_NET_WM_DESKTOP"),
@@ -79,7 +35,7 @@ std::unique_ptr<X11Desktop> X11Desktop::create()
                       internAtom(connection, "_NET_WM_STATE_STICKY"),
                       internAtom(connection, "_NET_WM_STATE_SKIP_TASKBAR"),
                       internAtom(connection, "_NET_WM_STATE_SKIP_PAGER"),
-                      internAtom(connection, "_NET_WM_CM_S" + std::to_string(screenNumber))};
+                      internAtom(connection, "_NET_WM_CM_S" + std::to_string(screen->number))};
     return std::unique_ptr<X11Desktop>(new X11Desktop(connection, screen->root, atoms));
 }
 
@@ -88,13 +44,7 @@ X11Desktop::X11Desktop(xcb_connection_t* connection, xcb_window_t root, Atoms at
 {
     connect(&settler_, &FocusSettler::settled, this, &Desktop::frontmostChanged);
 
-    // Qt already selects events on the root window: add property changes to its mask, do not replace it.
-    const Reply<xcb_get_window_attributes_reply_t> attributes(
-        xcb_get_window_attributes_reply(connection_, xcb_get_window_attributes(connection_, root_), nullptr));
-    const std::uint32_t mask =
-        (attributes ? attributes->your_event_mask : 0U) | std::uint32_t{XCB_EVENT_MASK_PROPERTY_CHANGE};
-    xcb_change_window_attributes(connection_, root_, XCB_CW_EVENT_MASK, &mask);
-    xcb_flush(connection_);
+    selectMoreEvents(connection_, root_, XCB_EVENT_MASK_PROPERTY_CHANGE);
     qApp->installNativeEventFilter(this);
 }
 
@@ -169,8 +119,7 @@ bool X11Desktop::nativeEventFilter(const QByteArray& eventType, void* message, q
         return false;
     }
     const auto* event = static_cast<const xcb_generic_event_t*>(message);
-    constexpr std::uint8_t sentByClient = 0x80;
-    if ((event->response_type & ~sentByClient) != XCB_PROPERTY_NOTIFY) {
+    if (responseType(*event) != XCB_PROPERTY_NOTIFY) {
         return false;
     }
     const auto* notify = reinterpret_cast<const xcb_property_notify_event_t*>(event);

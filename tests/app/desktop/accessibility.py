@@ -113,16 +113,20 @@ def press(node):
     node.queryAction().doAction(0)
 
 
-class TrayMenu:
-    """Opens the tray item's menu with a right click and reads it from the popup that appears."""
+class PopupMenu:
+    """One of the program's menus, opened by a click the caller gives and read from the popup that appears:
+    popup menus are not in the application's tree, but AT-SPI announces them as they show."""
 
-    def __init__(self, desktop, tray_window):
-        self.desktop, self.tray_window = desktop, tray_window
+    def __init__(self, desktop, click):
+        self.desktop, self.click = desktop, click
         self.menu = None
 
     def _on_showing(self, event):
-        if event.detail1 and event.source is not None and event.source.getRoleName() == "popup menu":
-            self.menu = event.source
+        try:
+            if event.detail1 and event.source is not None and event.source.getRoleName() == "popup menu":
+                self.menu = event.source
+        except GLib.GError:  # news of something gone by now (a tool tip)
+            pass
 
     def open(self):
         pyatspi.Registry.registerEventListener(self._on_showing, "object:state-changed:showing")
@@ -130,8 +134,7 @@ class TrayMenu:
             # A click that lands while an earlier menu is still closing is lost: then click again.
             for _ in range(3):
                 self.menu = None
-                self.desktop.run("xdotool", "mousemove", "--window", str(self.tray_window), "11", "11",
-                                 "click", "3")
+                self.click()
                 context = GLib.MainContext.default()
                 deadline = time.monotonic() + 5
                 while self.menu is None and time.monotonic() < deadline:
@@ -142,7 +145,11 @@ class TrayMenu:
                 self.close()
         finally:
             pyatspi.Registry.deregisterEventListener(self._on_showing, "object:state-changed:showing")
-        raise AssertionError("the tray menu did not open")
+        raise AssertionError("the menu did not open")
+
+    def process_id(self):
+        """The process whose menu opened (where several programs' windows overlap)."""
+        return self.menu.get_application().get_process_id()
 
     def entries(self):
         return [(item.getRoleName(), item.name) for item in self.menu]
@@ -166,10 +173,24 @@ class TrayMenu:
         # A menu still open would hold the pointer and keyboard grab.
         self.desktop.run("xdotool", "key", "Escape", check=False)
         if self.menu is not None:
-            wait_for(self._closed, "the tray menu closed")
+            wait_for(self.closed, "the menu closed")
 
-    def _closed(self):
+    def closed(self):
         try:
             return not showing(self.menu)
         except GLib.GError:  # the program is gone, and its menu with it
             return True
+
+
+class TrayMenu(PopupMenu):
+    """The tray item's menu, opened with a right click on the item in an XEmbed tray."""
+
+    def __init__(self, desktop, tray_window):
+        super().__init__(desktop, lambda: desktop.run("xdotool", "mousemove", "--window", str(tray_window), "11",
+                                                      "11", "click", "3"))
+
+
+def panel_spot(desktop, vantrel):
+    """A point on the panel away from its switches: on the title, a little right of its middle."""
+    x, y, width, _ = desktop.geometry(vantrel.panel_window())
+    return x + width // 2, y + 24

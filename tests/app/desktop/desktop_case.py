@@ -14,6 +14,18 @@ COMPANION = os.environ["VANTREL_COMPANION"]
 LIMITS_SCRIPT = os.environ["VANTREL_LIMITS_SCRIPT"]
 
 SHARED_TIP = "Sdílený limit účtu Codex, ne tokeny této konverzace."
+# The menu of the tray item and of the panel, as AT-SPI and tray hosts read it: (kind, label) in order.
+MENU_ENTRIES = [
+    ("menu item", "Zobrazit / skrýt údaje"),
+    ("menu item", "Obnovit limity"),
+    ("menu item", "Zobrazovat i nad jinými aplikacemi"),
+    ("separator", ""),
+    ("menu item", "Ukončit Vantrel"),
+]
+# What the program says on standard error as tray hosts come and go.
+NO_TRAY_HOST = ("vantrel: no system tray or StatusNotifierItem host runs, so there is no tray item; a right click "
+                "on the panel opens the same menu")
+TRAY_HOST_ARRIVED = "vantrel: a tray host runs now and shows the tray item"
 
 
 def full_document(observed_at):
@@ -55,6 +67,17 @@ class DesktopTestCase(unittest.TestCase):
     @classmethod
     def open(cls, window_class, **options):
         return cls.desktop.open_companion(COMPANION, window_class, **options)
+
+    @classmethod
+    def start_beside_codex_and_xterm(cls):
+        """Vantrel, a Codex window on the left and an xterm, which is no companion, on the right; all three
+        for the whole script."""
+        cls.vantrel = cls.start_vantrel()
+        cls.addClassCleanup(cls.vantrel.stop)
+        cls.codex = cls.open("Codex", geometry=(40, 80, 400, 300))
+        cls.addClassCleanup(cls.codex.close)
+        cls.xterm = cls.open("XTerm", process="xterm", geometry=(480, 80, 400, 300))
+        cls.addClassCleanup(cls.xterm.close)
 
 
 def reap(pid, timeout=20.0):

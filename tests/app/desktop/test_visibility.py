@@ -6,7 +6,7 @@ import subprocess
 import time
 
 import accessibility as a11y
-from desktop_case import main, DesktopTestCase
+from desktop_case import main, MENU_ENTRIES, DesktopTestCase
 from vantrel_desktop import wait_for
 
 COMPANIONS = [
@@ -27,12 +27,7 @@ class Visibility(DesktopTestCase):
     @classmethod
     def setUpClass(cls):
         super().setUpClass()
-        cls.vantrel = cls.start_vantrel()
-        cls.addClassCleanup(cls.vantrel.stop)
-        cls.codex = cls.open("Codex", geometry=(40, 80, 400, 300))
-        cls.addClassCleanup(cls.codex.close)
-        cls.xterm = cls.open("XTerm", process="xterm", geometry=(480, 80, 400, 300))
-        cls.addClassCleanup(cls.xterm.close)
+        cls.start_beside_codex_and_xterm()
         cls.tray = wait_for(cls.vantrel.tray_windows, "the tray item")[0]
         cls.app = a11y.application(cls.vantrel.process.pid)
 
@@ -118,13 +113,7 @@ class Visibility(DesktopTestCase):
     def test_the_menu_has_its_five_entries(self):
         menu = a11y.TrayMenu(self.desktop, self.tray).open()
         try:
-            self.assertEqual(menu.entries(), [
-                ("menu item", "Zobrazit / skrýt údaje"),
-                ("menu item", "Obnovit limity"),
-                ("menu item", "Zobrazovat i nad jinými aplikacemi"),
-                ("separator", ""),
-                ("menu item", "Ukončit Vantrel"),
-            ])
+            self.assertEqual(menu.entries(), MENU_ENTRIES)
             self.assertEqual([menu.shortcut(p) for p in (1, 2, 3, 5)], ["", "", "", "Ctrl+Q"])
         finally:
             menu.close()

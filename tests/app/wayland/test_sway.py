@@ -1,8 +1,9 @@
 """Vantrel on sway 1.7 with waybar's tray: the panel follows native Wayland windows and XWayland ones, told
 by sway's IPC and, in a second instance without SWAYSOCK, by the foreign-toplevel protocol; it sits at the
 bottom right above tiled and floating windows without ever taking the focus; pinning from the tray keeps
-it up over everything; and it keeps running, knowing nothing, when the compositor's connection drops,
-garbles or falls silent."""
+it up over everything; without waybar the panel's own menu serves, and waybar coming back gets the tray
+item, also of an instance started while it was away; and it keeps running, knowing nothing, when the
+compositor's connection drops, garbles or falls silent."""
 
 import os
 import pathlib
@@ -11,7 +12,7 @@ import time
 
 import accessibility as a11y
 from compositors import LOST, MARGIN, PANEL_WIDTH, pixel
-from desktop_case import COMPANION, DesktopTestCase, main
+from desktop_case import COMPANION, MENU_ENTRIES, NO_TRAY_HOST, TRAY_HOST_ARRIVED, DesktopTestCase, main
 from panel_scenarios import PanelScenarios
 from socket_proxy import SocketProxy
 from status_notifier import TrayItem
@@ -51,13 +52,53 @@ class OnSway(PanelScenarios, DesktopTestCase):
     def test_the_tray_item_registers_with_waybar_and_offers_its_menu(self):
         for name, vantrel in self.paths.items():
             with self.subTest(name):
-                self.assertEqual(TrayItem(vantrel.process.pid).entries(), [
-                    ("menu item", "Zobrazit / skrýt údaje"),
-                    ("menu item", "Obnovit limity"),
-                    ("menu item", "Zobrazovat i nad jinými aplikacemi"),
-                    ("separator", ""),
-                    ("menu item", "Ukončit Vantrel"),
-                ])
+                self.assertEqual(TrayItem(vantrel.process.pid).entries(), MENU_ENTRIES)
+                self.assertNotIn(NO_TRAY_HOST, vantrel.stderr.read_text())
+
+    def test_without_waybar_the_panels_menu_serves_and_waybar_coming_back_gets_the_item(self):
+        self.desktop.stop_process("waybar")
+        try:
+            late = self.start_vantrel()  # starts while no tray host runs
+            self.addCleanup(late.stop)
+            instances = [*self.paths.values(), late]
+            for vantrel in instances:
+                wait_for(lambda v=vantrel: NO_TRAY_HOST in v.stderr.read_text(), "the line about no tray host")
+            menu = self.panel_menu_over_codex(late)
+            self.assertEqual(menu.entries(), MENU_ENTRIES)
+            time.sleep(0.5)  # a focus change that were to come late would still be seen
+            self.assertEqual(self.desktop.focused()["pid"], self.codex.pid)
+            # XWayland sees no click on a native window; another window in front closes the menu.
+            self.editor.activate()
+            wait_for(menu.closed, "the menu closed once the editor came to the front")
+            # The panels lie on one another, shown again in any order: the one on top opens its menu.
+            menu = self.panel_menu_over_codex(late)
+            pinned = next(v for v in instances if v.process.pid == menu.process_id())
+            menu.choose(3)
+            self.editor.activate()
+            for vantrel in instances:
+                wait_for(lambda v=vantrel: v.panel_shown() == (v is pinned), "only the pinned panel over the editor")
+            self.assertEqual(self.desktop.focused()["pid"], self.editor.pid)
+            menu = self.panel_menu(pinned)
+            self.assertTrue(menu.checked(3))
+            menu.choose(3)
+            wait_for(lambda: not pinned.panel_shown(), "the unpinned panel hidden over the editor")
+            self.assertEqual(self.desktop.focused()["pid"], self.editor.pid)
+        finally:
+            self.desktop.start_tray()
+        for vantrel in instances:
+            wait_for(lambda v=vantrel: TRAY_HOST_ARRIVED in v.stderr.read_text(), "the line about waybar's tray")
+            self.assertEqual(TrayItem(vantrel.process.pid).entries(), MENU_ENTRIES)
+            self.assertEqual(vantrel.stderr.read_text().count(NO_TRAY_HOST), 1)
+
+    def panel_menu_over_codex(self, late):
+        self.codex.activate()
+        self.wait_until_shown(True, "over Codex")
+        wait_for(late.panel_shown, "the late instance's panel over Codex")
+        return self.panel_menu(late)
+
+    def panel_menu(self, vantrel):
+        x, y = a11y.panel_spot(self.desktop, vantrel)
+        return a11y.PopupMenu(self.desktop, lambda: self.click(x, y, "right")).open()
 
     def test_the_panel_sits_at_the_bottom_right_and_never_takes_the_focus(self):
         self.codex.activate()
@@ -94,8 +135,11 @@ class OnSway(PanelScenarios, DesktopTestCase):
 
     def click_switch(self, app):
         switch = a11y.switch(app, "Zobrazit nebo skrýt údaje").queryComponent().getExtents(0)
-        subprocess.run([VIRTUAL_POINTER, str(switch.x + switch.width // 2), str(switch.y + switch.height // 2),
-                        "1280", "800"], env=self.desktop.env, check=True, timeout=20)
+        self.click(switch.x + switch.width // 2, switch.y + switch.height // 2)
+
+    def click(self, x, y, button="left"):
+        subprocess.run([VIRTUAL_POINTER, str(x), str(y), "1280", "800", button], env=self.desktop.env, check=True,
+                       timeout=20)
 
     def test_the_panel_is_drawn_above_a_floating_window_covering_it(self):
         self.desktop.swaymsg(f"[pid={self.chatgpt.pid}] floating enable, resize set 900 700, move position 380 100")

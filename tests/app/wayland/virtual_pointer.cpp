@@ -1,9 +1,10 @@
 // Clicks as a mouse would, through the wlroots virtual-pointer protocol: a headless compositor has no
 // input devices of its own.
 //
-//   virtual_pointer X Y WIDTH HEIGHT
+//   virtual_pointer X Y WIDTH HEIGHT [left|right]
 //
-// Moves the pointer to (X, Y) of the WIDTH×HEIGHT output and clicks the left button there.
+// Moves the pointer to (X, Y) of the WIDTH×HEIGHT output and clicks a button there, the left one unless
+// told.
 
 #include <chrono>
 #include <cstdint>
@@ -43,8 +44,9 @@ std::uint32_t now()
 
 int main(int argc, char** argv)
 {
-    if (argc != 5) {
-        static_cast<void>(std::fputs("usage: virtual_pointer X Y WIDTH HEIGHT\n", stderr));
+    const bool right = argc == 6 && std::strcmp(argv[5], "right") == 0;
+    if ((argc != 5 && argc != 6) || (argc == 6 && !right && std::strcmp(argv[5], "left") != 0)) {
+        static_cast<void>(std::fputs("usage: virtual_pointer X Y WIDTH HEIGHT [left|right]\n", stderr));
         return 2;
     }
     const auto number = [&argv](int index) { return static_cast<std::uint32_t>(std::stoul(argv[index])); };
@@ -69,7 +71,7 @@ int main(int argc, char** argv)
     // The client under the pointer learns that it entered before the button goes down, as with a mouse.
     std::this_thread::sleep_for(std::chrono::milliseconds(100));
     for (const auto state : {WL_POINTER_BUTTON_STATE_PRESSED, WL_POINTER_BUTTON_STATE_RELEASED}) {
-        zwlr_virtual_pointer_v1_button(pointer, now(), BTN_LEFT, state);
+        zwlr_virtual_pointer_v1_button(pointer, now(), right ? BTN_RIGHT : BTN_LEFT, state);
         zwlr_virtual_pointer_v1_frame(pointer);
         wl_display_roundtrip(display);
     }

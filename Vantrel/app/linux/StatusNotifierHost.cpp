@@ -1,0 +1,65 @@
+#include "Vantrel/app/linux/StatusNotifierHost.h"
+
+#include <QDBusMessage>
+#include <QDBusPendingCallWatcher>
+#include <QDBusPendingReply>
+#include <QDBusVariant>
+
+#include <utility>
+
+namespace vantrel {
+namespace {
+
+const QString watcherService = QStringLiteral("org.kde.StatusNotifierWatcher");
+const QString watcherPath = QStringLiteral("/StatusNotifierWatcher");
+const QString watcherInterface = QStringLiteral("org.kde.StatusNotifierWatcher");
+constexpr int answerTimeoutMs = 2000;
+
+} // namespace
+
+StatusNotifierHost::StatusNotifierHost(QDBusConnection bus, QObject* parent)
+    : QObject(parent), bus_(std::move(bus)),
+      watcher_(watcherService, bus_, QDBusServiceWatcher::WatchForOwnerChange)
+{
+    connect(&watcher_, &QDBusServiceWatcher::serviceOwnerChanged, this, &StatusNotifierHost::read);
+    // KDE's watcher also announces a host that leaves; waybar's goes with its host.
+    for (const char* signal : {"StatusNotifierHostRegistered", "StatusNotifierHostUnregistered"}) {
+        bus_.connect(watcherService, watcherPath, watcherInterface, QString::fromLatin1(signal), this,
+                     SLOT(read()));
+    }
+    read();
+}
+
+void StatusNotifierHost::read()
+{
+    QDBusMessage get = QDBusMessage::createMethodCall(watcherService, watcherPath,
+                                                      QStringLiteral("org.freedesktop.DBus.Properties"),
+                                                      QStringLiteral("Get"));
+    get << watcherInterface << QStringLiteral("IsStatusNotifierHostRegistered");
+    // Asking must not start a watcher that is not running.
+    get.setAutoStartService(false);
+    const unsigned generation = ++generation_;
+    auto* call = new QDBusPendingCallWatcher(bus_.asyncCall(get, answerTimeoutMs), this);
+    connect(call, &QDBusPendingCallWatcher::finished, this,
+            [this, generation](QDBusPendingCallWatcher* finished) { answered(finished, generation); });
+}
+
+void StatusNotifierHost::answered(QDBusPendingCallWatcher* call, unsigned generation)
+{
+    call->deleteLater();
+    if (generation != generation_) {
+        return;
+    }
+    // No watcher, an error or an answer of another type: no host.
+    const QDBusPendingReply<QDBusVariant> reply = *call;
+    const QVariant value = reply.isValid() ? reply.value().variant() : QVariant();
+    const bool registered = value.typeId() == QMetaType::Bool && value.toBool();
+    if (known_ && registered == registered_) {
+        return;
+    }
+    known_ = true;
+    registered_ = registered;
+    emit changed();
+}
+
+} // namespace vantrel
