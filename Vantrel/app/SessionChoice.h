@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Vantrel/app/FrontmostReach.h"
+
 #include <string>
 #include <string_view>
 #include <vector>
@@ -30,6 +32,9 @@ struct SessionFacts {
 // its protocol or calls itself KDE: it offers the protocol only to programs its desktop entries allow).
 // An empty list: the session tells no client.
 std::vector<FrontmostSource> frontmostSources(const SessionFacts& facts);
+
+// In a Wayland session where none of those sources serves: what the session lacks, by its desktop.
+MissingSource missingSourceIn(const SessionFacts& facts);
 
 // Whether the panel must be an unmanaged (override-redirect) X11 window to sit at the bottom right:
 // wlroots compositors (known by sway's socket, their protocol or their desktop name) place XWayland's

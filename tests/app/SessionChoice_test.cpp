@@ -85,5 +85,26 @@ INSTANTIATE_TEST_SUITE_P(Lists, ListsDesktopTest,
                                          ListCase{":", "GNOME", false}, ListCase{"KDE::GNOME", "GNOME", true},
                                          ListCase{"GNOME-Classic", "GNOME", false}));
 
+struct MissingCase {
+    const char* currentDesktop;
+    MissingSource missing;
+};
+
+class MissingSourceTest : public testing::TestWithParam<MissingCase> {};
+
+TEST_P(MissingSourceTest, NamesWhatTheDesktopLacks)
+{
+    EXPECT_EQ(missingSourceIn({"wayland-0", GetParam().currentDesktop, "", bare}), GetParam().missing)
+        << GetParam().currentDesktop;
+}
+
+INSTANTIATE_TEST_SUITE_P(Desktops, MissingSourceTest,
+                         testing::Values(MissingCase{"GNOME", MissingSource::gnomeExtension},
+                                         MissingCase{"ubuntu:GNOME", MissingSource::gnomeExtension},
+                                         MissingCase{"KDE", MissingSource::kwinGrant},
+                                         MissingCase{"sway", MissingSource::compositorInterface},
+                                         MissingCase{"", MissingSource::compositorInterface},
+                                         MissingCase{"gnome", MissingSource::compositorInterface}));
+
 } // namespace
 } // namespace vantrel
