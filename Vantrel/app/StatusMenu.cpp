@@ -16,6 +16,7 @@ void AppDelegate::createStatusItem()
     QAction* everywhere = menu.addAction(QString::fromUtf8("Zobrazovat i nad jinými aplikacemi"));
     everywhere->setCheckable(true);
     connect(everywhere, &QAction::triggered, this, [this, everywhere] { toggleEverywhere(everywhere); });
+    everywhereEntry = everywhere;
     menu.addSeparator();
     QAction* quitEntry = menu.addAction(QString::fromUtf8("Ukončit Vantrel"), this, &AppDelegate::quit);
     quitEntry->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q));
@@ -35,6 +36,7 @@ void AppDelegate::toggleFromMenu()
 
 void AppDelegate::toggleEverywhere(QAction* sender)
 {
+    automaticPin_.userChose();
     pinnedEverywhere = !pinnedEverywhere;
     sender->setChecked(pinnedEverywhere);
     focusChanged();
