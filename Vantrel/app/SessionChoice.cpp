@@ -73,7 +73,7 @@ MissingSource missingSourceIn(const SessionFacts& facts)
 
 bool panelMustBeUnmanaged(const SessionFacts& facts)
 {
-    return !facts.waylandDisplay.empty() && isWlroots(facts);
+    return !facts.waylandDisplay.empty() && (isWlroots(facts) || listsDesktop(facts.currentDesktop, "GNOME"));
 }
 
 } // namespace vantrel

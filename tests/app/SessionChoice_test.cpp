@@ -21,7 +21,7 @@ TEST_P(SessionChoiceTest, TriesTheMostTellingSourceFirst)
     EXPECT_EQ(frontmostSources(GetParam().facts), GetParam().sources) << GetParam().description;
 }
 
-TEST_P(SessionChoiceTest, LeavesThePanelUnmanagedOnlyUnderWlroots)
+TEST_P(SessionChoiceTest, LeavesThePanelUnmanagedOnlyUnderWlrootsAndGnomeShell)
 {
     EXPECT_EQ(panelMustBeUnmanaged(GetParam().facts), GetParam().unmanagedPanel) << GetParam().description;
 }
@@ -57,9 +57,9 @@ INSTANTIATE_TEST_SUITE_P(
         ChoiceCase{"KWin whose registry could not be read", {"wayland-0", "KDE", "", {}}, {kde}, false},
         ChoiceCase{"KWin granting it, named otherwise", {"wayland-0", "", "", kwin}, {kde}, false},
         ChoiceCase{"a desktop named like KDE", {"wayland-0", "KDE-ish", "", bare}, {}, false},
-        ChoiceCase{"GNOME", {"wayland-0", "GNOME", "", bare}, {gnome}, false},
-        ChoiceCase{"Ubuntu's GNOME", {"wayland-0", "ubuntu:GNOME", "", bare}, {gnome}, false},
-        ChoiceCase{"GNOME Classic", {"wayland-0", "GNOME-Classic:GNOME", "", bare}, {gnome}, false},
+        ChoiceCase{"GNOME", {"wayland-0", "GNOME", "", bare}, {gnome}, true},
+        ChoiceCase{"Ubuntu's GNOME", {"wayland-0", "ubuntu:GNOME", "", bare}, {gnome}, true},
+        ChoiceCase{"GNOME Classic", {"wayland-0", "GNOME-Classic:GNOME", "", bare}, {gnome}, true},
         ChoiceCase{"Weston", {"wayland-0", "", "", bare}, {}, false},
         ChoiceCase{"a desktop named like GNOME", {"wayland-0", "GNOMEish", "", bare}, {}, false}));
 
