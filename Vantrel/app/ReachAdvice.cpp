@@ -64,8 +64,9 @@ std::string reachAdvice(const FrontmostReach& reach, bool pinned)
                ". Install the extension that came with this Vantrel, then log out and back in.";
     case MissingSource::kwinGrant:
         return "vantrel: KWin does not tell Vantrel which window is in front" + pinClause +
-               ". KWin grants it (org_kde_plasma_window_management) only to the program an installed desktop "
-               "entry names: start Vantrel as installed.";
+               ". KWin offers it (org_kde_plasma_window_management) only to a program an installed desktop "
+               "entry names: start the installed vantrel, or copy its "
+               "io.github.vantrel.Vantrel.WindowManagement.desktop into ~/.local/share/applications/.";
     case MissingSource::compositorInterface:
         break;
     }

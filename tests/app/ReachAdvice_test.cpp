@@ -85,8 +85,9 @@ INSTANTIATE_TEST_SUITE_P(
         AdviceCase{
             "KWin", nothing(MissingSource::kwinGrant), true,
             "vantrel: KWin does not tell Vantrel which window is in front, so the panel is pinned. KWin "
-            "grants it (org_kde_plasma_window_management) only to the program an installed desktop entry "
-            "names: start Vantrel as installed."},
+            "offers it (org_kde_plasma_window_management) only to a program an installed desktop entry "
+            "names: start the installed vantrel, or copy its io.github.vantrel.Vantrel.WindowManagement."
+            "desktop into ~/.local/share/applications/."},
         AdviceCase{
             "another compositor", nothing(MissingSource::compositorInterface), true,
             "vantrel: this Wayland compositor tells no application which window is in front, so the panel "
