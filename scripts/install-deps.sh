@@ -11,7 +11,8 @@ test=(libgtest-dev libgmock-dev libbenchmark-dev clang-14 libclang-rt-14-dev lib
       xvfb xauth x11-utils x11-xserver-utils openbox trayer xdotool xcompmgr
       at-spi2-core python3-pyatspi dbus dbus-x11 imagemagick python3-psutil
       procps time strace lintian desktop-file-utils appstream dpkg-dev conky-std
-      sway kwin-wayland gnome-shell xwayland qt6-wayland wayland-utils grim waybar libglib2.0-bin)
+      sway kwin-wayland gnome-shell xwayland qt6-wayland wayland-utils grim waybar libglib2.0-bin
+      gnome-shell-extension-appindicator)
 
 want=("${build[@]}" "${run[@]}")
 if [ "${1:-}" = "--test" ]; then

@@ -79,6 +79,7 @@ void AppDelegate::applicationDidFinishLaunching()
     usageTimer->start();
 
     connect(services_.desktop, &Desktop::frontmostChanged, this, &AppDelegate::focusChanged);
+    connect(services_.desktop, &Desktop::frontmostReachChanged, this, &AppDelegate::followReach);
     connect(qApp, &QGuiApplication::screenAdded, this, [this](const QScreen* screen) {
         watchScreen(screen);
         screenChanged();
@@ -88,6 +89,7 @@ void AppDelegate::applicationDidFinishLaunching()
     for (const QScreen* screen : QGuiApplication::screens()) {
         watchScreen(screen);
     }
+    followReach();
     focusChanged();
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Vantrel/app/AppServices.h"
+#include "Vantrel/app/AutomaticPin.h"
 #include "Vantrel/app/FrontmostIdentifier.h"
 #include "Vantrel/app/TrayItemRules.h"
 #include "Vantrel/limits/ScriptProcess.h"
@@ -41,8 +42,9 @@ class StatusItem;
 // and every view the figures go to, both timers and the limits script run, and wires them together.
 // Everything runs on the main thread except the limits script's worker, which only posts back.
 // Its methods are spread over the files of the app folder by job: lifecycle (AppDelegate.cpp), the
-// menu of the tray item and of the panel (StatusMenu.cpp), panel tree (PanelBuilder.cpp), visibility and
-// placement (Visibility.cpp), telemetry tick (TelemetryTick.cpp), limits (UsageFetch.cpp).
+// menu of the tray item and of the panel (StatusMenu.cpp), the pin where nothing tells the window in front
+// (PinFollowsReach.cpp), panel tree (PanelBuilder.cpp), visibility and placement (Visibility.cpp), telemetry
+// tick (TelemetryTick.cpp), limits (UsageFetch.cpp).
 class AppDelegate : public QObject {
     Q_OBJECT
 
@@ -65,6 +67,9 @@ public:
     void showPanelMenu(const QPoint& position);
     void toggleFromMenu();
     void toggleEverywhere(QAction* sender);
+
+    // Pinned by Vantrel itself while nothing tells the window in front.
+    void followReach();
 
     // The panel: its tree, when it shows and where it sits.
     void createPanel();
@@ -116,7 +121,8 @@ public:
     std::unique_ptr<QTimer> usageTimer;
     bool isFetching = false;
     bool pinnedEverywhere = false;
-    std::optional<double> lastUsage; // seconds since 1970-01-01 00:00 UTC
+    QAction* everywhereEntry = nullptr; // the menu entry whose check mark shows the pin
+    std::optional<double> lastUsage;    // seconds since 1970-01-01 00:00 UTC
     bool lastFetchFailed = false;
     std::optional<limits::ScriptProcess> usageProcess;
 
@@ -129,6 +135,7 @@ private:
 
     AppServices services_;
     FrontmostIdentifier frontmost_;
+    AutomaticPin automaticPin_;
     std::shared_ptr<MainThreadQueue> mainThread_;
     std::optional<SampleRecord> heldSample_;   // the newest tick's record while the panel is hidden
     std::optional<TrayItemKind> trayItemKind_; // how the tray item reaches its host, once it is made

@@ -5,6 +5,7 @@
 #include "Vantrel/limits/LimitsScript.h"
 
 #include <chrono>
+#include <cstdio>
 #include <unistd.h>
 
 namespace vantrel {
@@ -21,6 +22,11 @@ double secondsSinceEpoch()
     return std::chrono::duration<double>(std::chrono::system_clock::now().time_since_epoch()).count();
 }
 
+void printLine(const std::string& line)
+{
+    static_cast<void>(std::fprintf(stderr, "%s\n", line.c_str()));
+}
+
 } // namespace
 
 AppServices productionServices(Desktop& desktop, TrayHosts* trayHosts)
@@ -32,7 +38,8 @@ AppServices productionServices(Desktop& desktop, TrayHosts* trayHosts)
             onlineProcessorCount,
             [] { return limits::resourceDirectory(); },
             [] { return limits::currentUsageContext(platformWording.machineName); },
-            secondsSinceEpoch};
+            secondsSinceEpoch,
+            printLine};
 }
 
 } // namespace vantrel

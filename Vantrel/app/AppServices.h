@@ -6,6 +6,7 @@
 
 #include <filesystem>
 #include <functional>
+#include <string>
 
 namespace vantrel {
 
@@ -27,6 +28,8 @@ struct AppServices {
     std::function<limits::UsageContext()> usageContext;
     // Seconds since 1970-01-01 00:00 UTC.
     std::function<double()> now;
+    // One line for the user on standard error.
+    std::function<void(const std::string&)> notice;
 };
 
 AppServices productionServices(Desktop& desktop, TrayHosts* trayHosts);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Vantrel/app/FrontmostReach.h"
 #include "Vantrel/app/FrontmostWindow.h"
 
 #include <QObject>
@@ -21,6 +22,8 @@ public:
 
     // The window that has the focus now; nothing when no window has it.
     virtual std::optional<FrontmostWindow> frontmostWindow() = 0;
+    // Whether the desktop can tell the window in front at all: some Wayland sessions cannot, or only later.
+    virtual FrontmostReach frontmostReach() { return {}; }
     virtual bool hasCompositor() = 0;
     // Around QWidget::show() of the panel: properties a window manager reads when it maps the window,
     // then the same requests for one that is already managed.
@@ -30,6 +33,7 @@ public:
 signals:
     // The active window changed (a short spell of no active window between two switches is left out).
     void frontmostChanged();
+    void frontmostReachChanged();
 };
 
 } // namespace vantrel

@@ -60,9 +60,20 @@ std::vector<FrontmostSource> frontmostSources(const SessionFacts& facts)
     return sources;
 }
 
+MissingSource missingSourceIn(const SessionFacts& facts)
+{
+    if (listsDesktop(facts.currentDesktop, "GNOME")) {
+        return MissingSource::gnomeExtension;
+    }
+    if (listsDesktop(facts.currentDesktop, "KDE")) {
+        return MissingSource::kwinGrant;
+    }
+    return MissingSource::compositorInterface;
+}
+
 bool panelMustBeUnmanaged(const SessionFacts& facts)
 {
-    return !facts.waylandDisplay.empty() && isWlroots(facts);
+    return !facts.waylandDisplay.empty() && (isWlroots(facts) || listsDesktop(facts.currentDesktop, "GNOME"));
 }
 
 } // namespace vantrel

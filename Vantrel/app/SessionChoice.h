@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Vantrel/app/FrontmostReach.h"
+
 #include <string>
 #include <string_view>
 #include <vector>
@@ -31,11 +33,15 @@ struct SessionFacts {
 // An empty list: the session tells no client.
 std::vector<FrontmostSource> frontmostSources(const SessionFacts& facts);
 
-// Whether the panel must be an unmanaged (override-redirect) X11 window to sit at the bottom right:
-// wlroots compositors (known by sway's socket, their protocol or their desktop name) place XWayland's
-// floating windows themselves (sway centres them) and would focus it. KWin and GNOME Shell honour the
-// position asked for and keep the window manager's other services (every workspace, no taskbar entry),
-// which an unmanaged window goes without.
+// In a Wayland session where none of those sources serves: what the session lacks, by its desktop.
+MissingSource missingSourceIn(const SessionFacts& facts);
+
+// Whether the panel must be an unmanaged (override-redirect) X11 window on a Wayland session. wlroots
+// compositors (known by sway's socket, their protocol or their desktop name) place XWayland's floating
+// windows themselves (sway centres them) and would focus it. GNOME Shell places it as asked, but opens
+// every new window that a window kept above others would cover without the focus and below the focused
+// window. KWin honours the position asked for and keeps the window manager's other services (every
+// workspace, no taskbar entry), which an unmanaged window goes without.
 bool panelMustBeUnmanaged(const SessionFacts& facts);
 
 // Whether XDG_CURRENT_DESKTOP lists the desktop; desktop names are compared exactly, case included.

@@ -7,7 +7,7 @@
 #include <QKeySequence>
 #include <QMenu>
 
-#include <cstdio>
+#include <string>
 
 namespace vantrel {
 
@@ -21,6 +21,7 @@ void AppDelegate::createMenuEntries()
     QAction* everywhere = entry("Zobrazovat i nad jinými aplikacemi");
     everywhere->setCheckable(true);
     connect(everywhere, &QAction::triggered, this, [this, everywhere] { toggleEverywhere(everywhere); });
+    everywhereEntry = everywhere;
     auto* separator = new QAction(this);
     separator->setSeparator(true);
     QAction* quitEntry = entry("Ukončit Vantrel");
@@ -52,8 +53,7 @@ void AppDelegate::trayHostsChanged()
     }
     const bool shown = trayItemKind_ && trayItemShown(*trayItemKind_, *hosts);
     if (const auto notice = trayNotices_.observe(shown)) {
-        const std::string_view line = trayNoticeLine(*notice);
-        static_cast<void>(std::fprintf(stderr, "%.*s\n", static_cast<int>(line.size()), line.data()));
+        services_.notice(std::string(trayNoticeLine(*notice)));
     }
 }
 
@@ -75,6 +75,7 @@ void AppDelegate::toggleFromMenu()
 
 void AppDelegate::toggleEverywhere(QAction* sender)
 {
+    automaticPin_.userChose();
     pinnedEverywhere = !pinnedEverywhere;
     sender->setChecked(pinnedEverywhere);
     focusChanged();

@@ -1,12 +1,12 @@
 """What one change of the window in front costs, end to end, on sway (through its IPC and through the
-foreign-toplevel protocol) and on KWin (through its window-management protocol) beside the X11 path on a
-private Xvfb desktop, all in the same run; and Vantrel's CPU time per minute on each while its panel is
-shown.
+foreign-toplevel protocol), on KWin (through its window-management protocol) and on GNOME Shell (through
+Vantrel's extension) beside the X11 path on a private Xvfb desktop, all in the same run; and Vantrel's CPU
+time per minute on each while its panel is shown.
 
 One change: from asking the desktop to bring a window to the front (xdotool on X11, swaymsg on sway, a
-one-shot KWin script loaded over D-Bus on KWin) to the X server mapping or unmapping the panel, seen by
-xev. Codex and an editor take turns in front, so every
-change shows or hides the panel. The figures include the request's own process start.
+one-shot KWin script loaded over D-Bus on KWin, gdbus calling the test helper extension on GNOME Shell) to
+the X server mapping or unmapping the panel, seen by xev. Codex and an editor take turns in front, so every
+change shows or hides the panel. The figures include the request's own process start where it has one.
 
     dbus-run-session -- /usr/bin/python3 bench/app/frontmost_switch.py build/bin/vantrel [switches] [seconds]
 """
@@ -24,6 +24,7 @@ TESTS = HERE.parents[1] / "tests" / "app"
 sys.path[:0] = [str(HERE), str(TESTS / "desktop"), str(TESTS / "wayland")]
 
 from footprint import cpu_seconds_during  # noqa: E402
+from gnome_shell import GnomeShell  # noqa: E402
 from kwin import KWin, window_management_entry  # noqa: E402
 from sway import Sway  # noqa: E402
 from vantrel_desktop import Desktop, Vantrel, install_into_prefix, wait_for  # noqa: E402
@@ -88,22 +89,39 @@ def start_kwin(executable):
     return KWin(window_management=[window_management_entry(entry, prefix / "bin" / "vantrel")]).start(), prefix
 
 
+def start_gnome(executable):
+    """GNOME Shell with Vantrel's extension as the build tree has it."""
+    extension = pathlib.Path(executable).parents[1] / "share" / "gnome-shell" / "extensions" / \
+        "vantrel-focus-gnome43@vantrel.github.io"
+    return GnomeShell(extensions=[extension]).start()
+
+
+def activate_from_a_command(window):
+    """GNOME Shell's request through a process of its own, as xdotool and swaymsg are on X11 and sway."""
+    window.session.run("gdbus", "call", "--session", "--dest", "io.github.vantrel.TestHelper", "--object-path",
+                       "/io/github/vantrel/TestHelper", "--method", "io.github.vantrel.TestHelper.Activate",
+                       str(window.pid))
+    wait_for(window.has_focus, "the window in front")
+
+
 def main(executable, switches=20, seconds=60.0):
     companion = str(pathlib.Path(executable).parent / "companion_window")
     x11, sway = Desktop().start(), Sway().start()
     kwin, prefix = start_kwin(executable)
+    gnome = start_gnome(executable)
     programs = []
     try:
         x11_codex, x11_editor = x11.open_companion(companion, "Codex"), x11.open_companion(companion, "Editor")
         windows = {}
-        for session in (sway, kwin):
+        for session in (sway, kwin, gnome):
             session.add_desktop_entry("codex", "Codex")
             windows[session] = (session.open_native(companion, "codex"),
                                 session.open_native(companion, "org.example.Editor"))
         vantrels = {"X11 (Xvfb, openbox)": (x11, start_vantrel(x11, executable)),
                     "sway IPC": (sway, start_vantrel(sway, executable)),
                     "sway foreign toplevel": (sway, start_vantrel(sway, executable, SWAYSOCK=None)),
-                    "KWin window management": (kwin, start_vantrel(kwin, executable, prefix))}
+                    "KWin window management": (kwin, start_vantrel(kwin, executable, prefix)),
+                    "GNOME Shell extension": (gnome, start_vantrel(gnome, executable))}
         programs = [vantrel for _, vantrel in vantrels.values()]
         x11_codex.activate()
         for codex, _ in windows.values():
@@ -117,8 +135,9 @@ def main(executable, switches=20, seconds=60.0):
         delays = measure_switches({k: v for k, v in vantrels.items() if v[0] is x11},
                                   lambda w: w.activate(), x11_codex, x11_editor, switches)
         for session, (codex, editor) in windows.items():
+            activate = activate_from_a_command if session is gnome else lambda w: w.activate()
             delays.update(measure_switches({k: v for k, v in vantrels.items() if v[0] is session},
-                                           lambda w: w.activate(), codex, editor, switches))
+                                           activate, codex, editor, switches))
 
         x11_codex.activate()
         for codex, _ in windows.values():
@@ -140,6 +159,7 @@ def main(executable, switches=20, seconds=60.0):
     finally:
         for vantrel in programs:
             vantrel.stop()
+        gnome.stop()
         kwin.stop()
         shutil.rmtree(prefix, ignore_errors=True)
         sway.stop()

@@ -17,6 +17,12 @@ void FakeDesktop::switchTo(std::optional<FrontmostWindow> window)
     emit frontmostChanged();
 }
 
+void FakeDesktop::reachBecomes(FrontmostReach newReach)
+{
+    reach = std::move(newReach);
+    emit frontmostReachChanged();
+}
+
 void FakeTrayHosts::change(TrayHostFacts now)
 {
     hosts = now;
@@ -91,6 +97,7 @@ AppServices DelegateFixture::services()
     result.resourceDirectory = [this] { return std::filesystem::path(resources.path().toStdString()); };
     result.usageContext = [this] { return limits::UsageContext{now, "UTC", "cs_CZ", "počítač"}; };
     result.now = [this] { return now; };
+    result.notice = [this](const std::string& line) { notices.push_back(line); };
     return result;
 }
 

@@ -16,6 +16,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 class QWidget;
 
@@ -25,17 +26,21 @@ namespace vantrel::testing {
 class FakeDesktop : public Desktop {
 public:
     std::optional<FrontmostWindow> frontmost;
+    FrontmostReach reach;
     bool compositor = true;
     int preparedToShow = 0;
     int shown = 0;
 
     std::optional<FrontmostWindow> frontmostWindow() override { return frontmost; }
+    FrontmostReach frontmostReach() override { return reach; }
     bool hasCompositor() override { return compositor; }
     void prepareToShow(QWidget& /*window*/) override { ++preparedToShow; }
     void didShow(QWidget& /*window*/) override { ++shown; }
 
     // The user switches to another application (or to none), and the desktop says so.
     void switchTo(std::optional<FrontmostWindow> window);
+    // What the desktop can tell changes (an extension enabled or disabled), and the desktop says so.
+    void reachBecomes(FrontmostReach newReach);
 };
 
 // Tray hosts that come and go as the test says; unknown until it first says.
@@ -89,6 +94,7 @@ protected:
     double now = startTime;
     int processors = 4;
     std::string telemetryRoot;
+    std::vector<std::string> notices; // the lines the delegate printed for the user
 
 private:
     std::unique_ptr<AppDelegate> delegate_;

@@ -21,7 +21,7 @@ TEST_P(SessionChoiceTest, TriesTheMostTellingSourceFirst)
     EXPECT_EQ(frontmostSources(GetParam().facts), GetParam().sources) << GetParam().description;
 }
 
-TEST_P(SessionChoiceTest, LeavesThePanelUnmanagedOnlyUnderWlroots)
+TEST_P(SessionChoiceTest, LeavesThePanelUnmanagedOnlyUnderWlrootsAndGnomeShell)
 {
     EXPECT_EQ(panelMustBeUnmanaged(GetParam().facts), GetParam().unmanagedPanel) << GetParam().description;
 }
@@ -57,9 +57,9 @@ INSTANTIATE_TEST_SUITE_P(
         ChoiceCase{"KWin whose registry could not be read", {"wayland-0", "KDE", "", {}}, {kde}, false},
         ChoiceCase{"KWin granting it, named otherwise", {"wayland-0", "", "", kwin}, {kde}, false},
         ChoiceCase{"a desktop named like KDE", {"wayland-0", "KDE-ish", "", bare}, {}, false},
-        ChoiceCase{"GNOME", {"wayland-0", "GNOME", "", bare}, {gnome}, false},
-        ChoiceCase{"Ubuntu's GNOME", {"wayland-0", "ubuntu:GNOME", "", bare}, {gnome}, false},
-        ChoiceCase{"GNOME Classic", {"wayland-0", "GNOME-Classic:GNOME", "", bare}, {gnome}, false},
+        ChoiceCase{"GNOME", {"wayland-0", "GNOME", "", bare}, {gnome}, true},
+        ChoiceCase{"Ubuntu's GNOME", {"wayland-0", "ubuntu:GNOME", "", bare}, {gnome}, true},
+        ChoiceCase{"GNOME Classic", {"wayland-0", "GNOME-Classic:GNOME", "", bare}, {gnome}, true},
         ChoiceCase{"Weston", {"wayland-0", "", "", bare}, {}, false},
         ChoiceCase{"a desktop named like GNOME", {"wayland-0", "GNOMEish", "", bare}, {}, false}));
 
@@ -84,6 +84,27 @@ INSTANTIATE_TEST_SUITE_P(Lists, ListsDesktopTest,
                                          ListCase{"", "GNOME", false}, ListCase{"gnome", "GNOME", false},
                                          ListCase{":", "GNOME", false}, ListCase{"KDE::GNOME", "GNOME", true},
                                          ListCase{"GNOME-Classic", "GNOME", false}));
+
+struct MissingCase {
+    const char* currentDesktop;
+    MissingSource missing;
+};
+
+class MissingSourceTest : public testing::TestWithParam<MissingCase> {};
+
+TEST_P(MissingSourceTest, NamesWhatTheDesktopLacks)
+{
+    EXPECT_EQ(missingSourceIn({"wayland-0", GetParam().currentDesktop, "", bare}), GetParam().missing)
+        << GetParam().currentDesktop;
+}
+
+INSTANTIATE_TEST_SUITE_P(Desktops, MissingSourceTest,
+                         testing::Values(MissingCase{"GNOME", MissingSource::gnomeExtension},
+                                         MissingCase{"ubuntu:GNOME", MissingSource::gnomeExtension},
+                                         MissingCase{"KDE", MissingSource::kwinGrant},
+                                         MissingCase{"sway", MissingSource::compositorInterface},
+                                         MissingCase{"", MissingSource::compositorInterface},
+                                         MissingCase{"gnome", MissingSource::compositorInterface}));
 
 } // namespace
 } // namespace vantrel

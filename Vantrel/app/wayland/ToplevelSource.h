@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Vantrel/app/FrontmostReach.h"
 #include "Vantrel/app/FrontmostWindow.h"
 
 #include <QObject>
@@ -18,9 +19,13 @@ public:
 
     // The window in front as last told; nothing when none is, or when it is not known.
     virtual std::optional<FrontmostWindow> frontmost() const = 0;
+    // Whether the source can tell at all: a protocol or an IPC that connected can; a shell extension
+    // only while it runs and answers.
+    virtual FrontmostReach reach() const { return {}; }
 
 signals:
     void frontmostChanged();
+    void reachChanged();
     // The connection behind the source is gone for good.
     void lost();
 };

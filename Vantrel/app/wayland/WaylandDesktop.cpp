@@ -15,10 +15,22 @@ WaylandDesktop::WaylandDesktop(std::unique_ptr<X11Desktop> panelDesktop,
             [this] { settler_.activeWindowChanged(!source_->frontmost().has_value()); });
     connect(&settler_, &FocusSettler::settled, this, &Desktop::frontmostChanged);
     connect(source_.get(), &ToplevelSource::lost, this, &WaylandDesktop::sourceLost);
+    connect(source_.get(), &ToplevelSource::reachChanged, this, [this] {
+        emit frontmostReachChanged();
+        emit frontmostChanged();
+    });
+    connect(panelDesktop_.get(), &Desktop::frontmostChanged, this, [this] {
+        if (!sourceTells()) {
+            emit frontmostChanged();
+        }
+    });
 }
 
 std::optional<FrontmostWindow> WaylandDesktop::frontmostWindow()
 {
+    if (!sourceTells()) {
+        return panelDesktop_->frontmostWindow();
+    }
     auto window = source_->frontmost();
     if (window && window->pid == getpid()) {
         window->ownProcess = true;

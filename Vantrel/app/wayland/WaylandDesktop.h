@@ -11,7 +11,8 @@
 namespace vantrel {
 
 // A Wayland session: the panel is an XWayland window that the X11 desktop places and keeps, and a source
-// of the session's own tells which window is in front, native or X11.
+// of the session's own tells which window is in front, native or X11. While the source tells nothing (a
+// GNOME Shell extension not running, no source at all), XWayland still tells X11 windows.
 class WaylandDesktop : public Desktop {
     Q_OBJECT
 
@@ -21,11 +22,13 @@ public:
                    std::unique_ptr<ToplevelSource> source);
 
     std::optional<FrontmostWindow> frontmostWindow() override;
+    FrontmostReach frontmostReach() override { return source_->reach(); }
     bool hasCompositor() override { return panelDesktop_->hasCompositor(); }
     void prepareToShow(QWidget& window) override { panelDesktop_->prepareToShow(window); }
     void didShow(QWidget& window) override { panelDesktop_->didShow(window); }
 
 private:
+    bool sourceTells() const { return source_->reach().state == FrontmostReach::State::tells; }
     void sourceLost();
 
     std::unique_ptr<X11Desktop> panelDesktop_;

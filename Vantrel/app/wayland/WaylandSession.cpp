@@ -2,11 +2,14 @@
 
 #include "Vantrel/app/SessionChoice.h"
 #include "Vantrel/app/wayland/ForeignToplevelSource.h"
+#include "Vantrel/app/wayland/GnomeFocusSource.h"
 #include "Vantrel/app/wayland/PlasmaWindowSource.h"
+#include "Vantrel/app/wayland/SilentSource.h"
 #include "Vantrel/app/wayland/SwayIpcSource.h"
 #include "Vantrel/app/wayland/WaylandDesktop.h"
 
 #include <QByteArray>
+#include <QDBusConnection>
 #include <QtGlobal>
 
 namespace vantrel {
@@ -27,8 +30,9 @@ std::unique_ptr<ToplevelSource> connectSource(FrontmostSource kind, const Sessio
         return connection != nullptr ? ForeignToplevelSource::create(*connection) : nullptr;
     case FrontmostSource::kdeWindowManagement:
         return connection != nullptr ? PlasmaWindowSource::create(*connection) : nullptr;
-    case FrontmostSource::x11: // the X11 desktop itself, which serves when no source connects
     case FrontmostSource::gnomeExtension:
+        return GnomeFocusSource::connectTo(QDBusConnection::sessionBus());
+    case FrontmostSource::x11: // the X11 desktop itself, which serves when no source connects
         break;
     }
     return nullptr;
@@ -53,7 +57,11 @@ std::unique_ptr<Desktop> createSessionDesktop(std::unique_ptr<X11Desktop> x11)
             return std::make_unique<WaylandDesktop>(std::move(x11), std::move(connection), std::move(source));
         }
     }
-    return x11;
+    if (facts.waylandDisplay.empty()) {
+        return x11;
+    }
+    return std::make_unique<WaylandDesktop>(std::move(x11), nullptr,
+                                            std::make_unique<SilentSource>(missingSourceIn(facts)));
 }
 
 } // namespace vantrel

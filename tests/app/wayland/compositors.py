@@ -94,9 +94,7 @@ class CompositorSession(Session, XReading):
         config = self.root / "waybar.json"
         config.write_text(json.dumps({"layer": "top", "position": "top", "height": 24, "modules-right": ["tray"]}))
         self.spawn("waybar", ["waybar", "-c", str(config)])
-        wait_for(lambda: dbus_call("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
-                                   "NameHasOwner", GLib.Variant("(s)", ("org.kde.StatusNotifierWatcher",)),
-                                   "(b)")[0], "waybar's tray")
+        wait_for(lambda: name_has_owner("org.kde.StatusNotifierWatcher"), "waybar's tray")
 
     def client_environment(self, wayland_display, display, xauthority=None):
         env = dict(os.environ, XDG_RUNTIME_DIR=str(self.xdg_runtime), WAYLAND_DISPLAY=wayland_display,
@@ -115,13 +113,16 @@ class CompositorSession(Session, XReading):
         (self.data_dir / "applications" / f"{file_id}.desktop").write_text("\n".join(lines) + "\n")
 
     # --- stand-in applications --------------------------------------------------------------------
-    def open_native(self, helper, app_id, title=None, process=None, size=(420, 300), child=None):
+    def open_native(self, helper, app_id, title=None, process=None, size=(420, 300), child=None, shell=None):
         """A native window; `child`, a program the window's process starts first (as a terminal runs its
-        shell's programs), runs until the window closes."""
+        shell's programs), runs until the window closes; with `shell` (a FIFO), a terminal-like window as
+        vantrel_desktop.companion_command describes."""
         command = [helper, "--app-id", app_id, "--title", title or app_id,
                    "--geometry", f"0,0,{size[0]},{size[1]}"]
         if process:
             command += ["--process", process]
+        if shell:
+            command += ["--shell", str(shell)]
         if child:
             command = ["sh", "-c", '"$0" 600 & exec "$@"', str(child), *command]
         return self._open(command, lambda line: None)
@@ -161,6 +162,11 @@ def dbus_call(service, path, interface, method, arguments=None, reply_type=None)
     reply = bus.call_sync(service, path, interface, method, arguments,
                           GLib.VariantType(reply_type) if reply_type else None, Gio.DBusCallFlags.NONE, 20000, None)
     return reply.unpack() if reply is not None else None
+
+
+def name_has_owner(name):
+    return dbus_call("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "NameHasOwner",
+                     GLib.Variant("(s)", (name,)), "(b)")[0]
 
 
 def read_environment(path):

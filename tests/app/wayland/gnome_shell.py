@@ -10,11 +10,14 @@ import subprocess
 
 from gi.repository import GLib
 
-from compositors import CompositorSession, dbus_call
+from compositors import CompositorSession, dbus_call, name_has_owner
 from vantrel_desktop import wait_for
 
 HELPER_UUID = "vantrel-test-helper@vantrel.github.io"
 HELPER = pathlib.Path(__file__).resolve().parent / "gnome" / HELPER_UUID
+# Debian's build of the AppIndicator extension (package gnome-shell-extension-appindicator): the
+# StatusNotifierItem host a GNOME user adds for tray items.
+APPINDICATOR_UUID = "ubuntu-appindicators@ubuntu.com"
 
 
 class GnomeShell(CompositorSession):
@@ -22,23 +25,26 @@ class GnomeShell(CompositorSession):
     dconf activated with its configuration folders. GNOME offers a test no way to focus a window or take a
     screenshot from outside, so a test-only extension does both, reports the focus and leaves the
     overview that the shell starts in. Extensions named in `extensions` (folders holding metadata.json)
-    are installed for the session's user and enabled before start."""
+    are installed for the session's user and enabled before start; those in `installed` only installed,
+    for a test to enable later. With `tray`, the AppIndicator extension is enabled too."""
 
     desktop_name = "GNOME"
 
-    def __init__(self, width=1280, height=800, extensions=()):
-        super().__init__(width, height)
+    def __init__(self, width=1280, height=800, extensions=(), installed=(), tray=False):
+        super().__init__(width, height, tray)
         self.extensions = [pathlib.Path(e) for e in extensions]
+        self.installed = [pathlib.Path(e) for e in installed]
 
     def _start(self):
         config, data = self.root / "config", self.root / "data-home"
         extensions_folder = data / "gnome-shell" / "extensions"
         extensions_folder.mkdir(parents=True)
-        uuids = []
-        for folder in [HELPER, *self.extensions]:
+        uuids = [APPINDICATOR_UUID] if self.with_tray else []
+        for folder in [HELPER, *self.extensions, *self.installed]:
             uuid = json.loads((folder / "metadata.json").read_text())["uuid"]
             shutil.copytree(folder, extensions_folder / uuid)
-            uuids.append(uuid)
+            if folder not in self.installed:
+                uuids.append(uuid)
         system_bus = self.root / "system_bus"
         self.spawn("system-bus", ["dbus-daemon", "--session", f"--address=unix:path={system_bus}", "--nofork"])
         wait_for(system_bus.exists, "the private system bus")
@@ -52,7 +58,10 @@ class GnomeShell(CompositorSession):
                        check=True, timeout=20)
         subprocess.run(["gsettings", "set", "org.gnome.shell", "enabled-extensions", json.dumps(uuids)],
                        env=env, check=True, timeout=20)
-        self.socket = f"wayland-vantrel-{os.getpid()}"
+        self.socket = f"wayland-{self.root.name}"
+        # A shell that ended within a minute of its start leaves this mark, and the next one would start with
+        # every extension disabled, as after a crash.
+        (self.xdg_runtime / "gnome-shell-disable-extensions").unlink(missing_ok=True)
         self.log = self.root / "gnome-shell.log"
         with open(self.log, "w") as log:
             shell = self.spawn("gnome-shell", ["gnome-shell", "--headless", "--wayland", "--virtual-monitor",
@@ -65,6 +74,10 @@ class GnomeShell(CompositorSession):
         display = re.search(r"Using public X11 display (:\d+)", self.log.read_text()).group(1)
         xauthority = glob.glob(str(self.xdg_runtime / ".mutter-Xwaylandauth.*"))
         self.env = self.client_environment(self.socket, display, xauthority[0] if xauthority else None)
+
+    def start_tray(self):
+        """The AppIndicator extension, enabled with the others, is the tray: no waybar here."""
+        wait_for(lambda: name_has_owner("org.kde.StatusNotifierWatcher"), "the AppIndicator extension's tray")
 
     @staticmethod
     def _helper(method, arguments=None, reply_type=None):
@@ -85,3 +98,8 @@ class GnomeShell(CompositorSession):
 
     def screenshot(self, path):
         self._helper("Screenshot", GLib.Variant("(s)", (str(pathlib.Path(path).resolve()),)))
+
+    @staticmethod
+    def set_extension_enabled(uuid, enabled):
+        dbus_call("org.gnome.Shell", "/org/gnome/Shell", "org.gnome.Shell.Extensions",
+                  "EnableExtension" if enabled else "DisableExtension", GLib.Variant("(s)", (uuid,)), "(b)")

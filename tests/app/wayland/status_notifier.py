@@ -1,6 +1,6 @@
-"""A program's StatusNotifierItem as a tray host sees it over D-Bus (KDE Plasma's, waybar's tray): found
-through the session's org.kde.StatusNotifierWatcher, its menu read and clicked through
-com.canonical.dbusmenu, as the host does when the user opens it."""
+"""A program's StatusNotifierItem as a tray host sees it over D-Bus (KDE Plasma's, waybar's tray, GNOME's
+AppIndicator extension): found through the session's org.kde.StatusNotifierWatcher, its menu read and
+clicked through com.canonical.dbusmenu, as the host does when the user opens it."""
 
 from gi.repository import GLib
 
@@ -17,7 +17,11 @@ def property_of(service, path, interface, name):
 
 
 def registered_items():
-    return property_of(*WATCHER, "org.kde.StatusNotifierWatcher", "RegisteredStatusNotifierItems")
+    """(bus name, object path) of each item: watchers write "NAME/PATH", the AppIndicator extension
+    "NAME@/PATH"."""
+    items = property_of(*WATCHER, "org.kde.StatusNotifierWatcher", "RegisteredStatusNotifierItems")
+    return [(item.split("@", 1) if "@/" in item else (item.split("/", 1)[0], "/" + item.split("/", 1)[1]))
+            for item in items]
 
 
 def process_of(service):
@@ -28,10 +32,12 @@ def process_of(service):
 class TrayItem:
     def __init__(self, pid):
         def find():
-            for item in registered_items():
-                service, path = item.split("/", 1)
-                if process_of(service) == pid:
-                    return service, "/" + path
+            for service, path in registered_items():
+                try:
+                    if process_of(service) == pid:
+                        return service, path
+                except GLib.Error:  # an item whose program has ended, not yet forgotten
+                    continue
             return None
 
         self.service, self.path = wait_for(find, f"the tray item of process {pid}")

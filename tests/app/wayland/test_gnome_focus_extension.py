@@ -13,7 +13,7 @@ import unittest
 
 from gi.repository import Gio, GLib
 
-from compositors import dbus_call
+from compositors import dbus_call, name_has_owner
 from desktop_case import COMPANION, DesktopTestCase, main
 from gnome_shell import GnomeShell
 from vantrel_desktop import wait_for
@@ -29,13 +29,7 @@ def focused_window():
 
 
 def name_owned():
-    return dbus_call("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "NameHasOwner",
-                     GLib.Variant("(s)", (BUS_NAME,)), "(b)")[0]
-
-
-def set_extension_enabled(uuid, enabled):
-    dbus_call("org.gnome.Shell", "/org/gnome/Shell", "org.gnome.Shell.Extensions",
-              "EnableExtension" if enabled else "DisableExtension", GLib.Variant("(s)", (uuid,)), "(b)")
+    return name_has_owner(BUS_NAME)
 
 
 class Announcements:
@@ -107,11 +101,11 @@ class FocusExtension(DesktopTestCase):
         self.assertNotEqual(focused_window().get("wm-class"), "chatgpt")
 
     def test_the_bus_name_goes_and_comes_with_the_extension(self):
-        set_extension_enabled(LEGACY_UUID, False)
+        self.desktop.set_extension_enabled(LEGACY_UUID, False)
         try:
             wait_for(lambda: not name_owned(), "the name released")
         finally:
-            set_extension_enabled(LEGACY_UUID, True)
+            self.desktop.set_extension_enabled(LEGACY_UUID, True)
         wait_for(name_owned, "the name owned again")
         self.x11.activate()
         self.assertEqual(focused_window()["pid"], self.x11.pid)

@@ -3,7 +3,7 @@ by sway's IPC and, in a second instance without SWAYSOCK, by the foreign-topleve
 bottom right above tiled and floating windows without ever taking the focus; pinning from the tray keeps
 it up over everything; without waybar the panel's own menu serves, and waybar coming back gets the tray
 item, also of an instance started while it was away; and it keeps running, knowing nothing, when the
-compositor's connection drops, garbles or falls silent."""
+compositor's connection drops, garbles or falls silent, pinned where no connection could be made at all."""
 
 import os
 import pathlib
@@ -20,6 +20,8 @@ from sway import Sway
 from vantrel_desktop import wait_for
 
 VIRTUAL_POINTER = os.environ["VANTREL_VIRTUAL_POINTER"]
+NOTHING_TELLS = ("vantrel: this Wayland compositor tells no application which window is in front, so the panel is "
+                 "pinned.")
 
 
 class OnSway(PanelScenarios, DesktopTestCase):
@@ -201,11 +203,17 @@ class OnSway(PanelScenarios, DesktopTestCase):
         self.assert_knows_nothing_and_runs(vantrel)
         wait_for(lambda: LOST in vantrel.stderr.read_text(), "the line about the lost connection")
 
-    def test_a_wayland_socket_that_garbles_or_falls_silent_leaves_xwayland_windows_only(self):
+    def test_a_wayland_socket_that_garbles_or_falls_silent_starts_pinned_with_xwayland_windows_only(self):
         for proxy_name, answer in (("wayland-garbage", b"\x01\x00\x00\x00\xff\xff\xff\xff" * 4),
                                    ("wayland-silent", b"")):
             with self.subTest(proxy_name):
                 _, vantrel = self.start_behind(proxy_name, "WAYLAND_DISPLAY", answer=answer)
+                # Nothing tells the window in front: pinned, with the tray's check mark, and said once.
+                tray = TrayItem(vantrel.process.pid)
+                wait_for(lambda t=tray: t.checked(3), "the pin's check mark")
+                wait_for(vantrel.panel_shown, "the pinned panel")
+                self.assertEqual(vantrel.stderr.read_text().count(NOTHING_TELLS), 1)
+                tray.choose(3)
                 self.assert_knows_nothing_and_runs(vantrel)
                 self.x11_codex.activate()
                 wait_for(vantrel.panel_shown, "the panel over X11 Codex, seen through XWayland")
