@@ -3,6 +3,7 @@
 #include <benchmark/benchmark.h>
 
 #include <cstdio>
+#include <initializer_list>
 #include <map>
 #include <string>
 #include <utility>
@@ -72,5 +73,22 @@ private:
     Table iterations_;
     Table means_;
 };
+
+// A benchmark program's whole run: every benchmark asked for on the command line, then each name's ratio
+// against its peer.
+inline int runWithRatios(int argc, char** argv,
+                         std::initializer_list<std::pair<const char*, const char*>> namesAndPeers,
+                         RatioReporter::Clock clock = RatioReporter::Clock::Cpu)
+{
+    benchmark::Initialize(&argc, argv);
+    RatioReporter reporter(clock);
+    benchmark::RunSpecifiedBenchmarks(&reporter);
+    reporter.printHeading();
+    for (const auto& [name, peer] : namesAndPeers) {
+        reporter.printRatio(name, peer);
+    }
+    benchmark::Shutdown();
+    return 0;
+}
 
 } // namespace vantrel::bench

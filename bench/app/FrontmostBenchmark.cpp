@@ -165,14 +165,9 @@ BENCHMARK(BM_TerminalAtATick);
 int main(int argc, char** argv)
 {
     terminal();
-    benchmark::Initialize(&argc, argv);
-    vantrel::bench::RatioReporter reporter;
-    benchmark::RunSpecifiedBenchmarks(&reporter);
-    reporter.printHeading();
-    reporter.printRatio("BM_IdentifyFirstApplication", "BM_ClassAndProcessName");
-    reporter.printRatio("BM_IdentifyNewApplication", "BM_ClassAndProcessName");
-    reporter.printRatio("BM_IdentifyKnownApplication", "BM_ClassAndProcessName");
-    reporter.printRatio("BM_TerminalAtATick", "BM_ClassAndProcessName");
-    benchmark::Shutdown();
-    return 0;
+    return vantrel::bench::runWithRatios(argc, argv,
+                                         {{"BM_IdentifyFirstApplication", "BM_ClassAndProcessName"},
+                                          {"BM_IdentifyNewApplication", "BM_ClassAndProcessName"},
+                                          {"BM_IdentifyKnownApplication", "BM_ClassAndProcessName"},
+                                          {"BM_TerminalAtATick", "BM_ClassAndProcessName"}});
 }

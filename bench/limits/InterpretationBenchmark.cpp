@@ -68,13 +68,8 @@ BENCHMARK(BM_PlainParse_Typical);
 
 int main(int argc, char** argv)
 {
-    benchmark::Initialize(&argc, argv);
-    vantrel::bench::RatioReporter reporter;
-    benchmark::RunSpecifiedBenchmarks(&reporter);
-    reporter.printHeading();
-    reporter.printRatio("BM_Interpret_Typical", "BM_PlainParse_Typical");
-    reporter.printRatio("BM_InterpretWithCurrentContext_Typical", "BM_PlainParse_Typical");
-    reporter.printRatio("BM_Decode_Typical", "BM_PlainParse_Typical");
-    benchmark::Shutdown();
-    return 0;
+    return vantrel::bench::runWithRatios(argc, argv,
+                                         {{"BM_Interpret_Typical", "BM_PlainParse_Typical"},
+                                          {"BM_InterpretWithCurrentContext_Typical", "BM_PlainParse_Typical"},
+                                          {"BM_Decode_Typical", "BM_PlainParse_Typical"}});
 }

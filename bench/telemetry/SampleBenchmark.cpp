@@ -127,15 +127,12 @@ BENCHMARK(BM_Floor_128Cores);
 
 int main(int argc, char** argv)
 {
-    benchmark::Initialize(&argc, argv);
-    vantrel::bench::RatioReporter reporter;
-    benchmark::RunSpecifiedBenchmarks(&reporter);
-    reporter.printHeading();
-    reporter.printRatio("BM_Sample_ThisMachine", "BM_Floor_ThisMachine");
-    reporter.printRatio("BM_KeptOpenFloor_ThisMachine", "BM_Floor_ThisMachine");
-    reporter.printRatio("BM_Sample_ThisMachine", "BM_KeptOpenFloor_ThisMachine");
-    reporter.printRatio("BM_Sample_128Cores", "BM_Floor_128Cores");
+    const int status =
+        vantrel::bench::runWithRatios(argc, argv,
+                                      {{"BM_Sample_ThisMachine", "BM_Floor_ThisMachine"},
+                                       {"BM_KeptOpenFloor_ThisMachine", "BM_Floor_ThisMachine"},
+                                       {"BM_Sample_ThisMachine", "BM_KeptOpenFloor_ThisMachine"},
+                                       {"BM_Sample_128Cores", "BM_Floor_128Cores"}});
     std::filesystem::remove_all(manyCoreRoot());
-    benchmark::Shutdown();
-    return 0;
+    return status;
 }

@@ -136,14 +136,10 @@ int main(int argc, char** argv)
         qputenv("QT_QPA_PLATFORM", "offscreen");
     }
     const QApplication app(argc, argv);
-    benchmark::Initialize(&argc, argv);
-    vantrel::bench::RatioReporter reporter(vantrel::bench::RatioReporter::Clock::Real);
-    benchmark::RunSpecifiedBenchmarks(&reporter);
-    reporter.printHeading();
-    reporter.printRatio("BM_MeterRowUpdate_Calm", "BM_StockRowUpdate_Calm");
-    reporter.printRatio("BM_MeterRowUpdate_ColourFlips", "BM_StockRowUpdate_ColourFlips");
-    reporter.printRatio("BM_PastelBarPaint", "BM_ProgressBarPaint");
-    reporter.printRatio("BM_PastelBarPaintDimmed", "BM_ProgressBarPaint");
-    benchmark::Shutdown();
-    return 0;
+    return vantrel::bench::runWithRatios(argc, argv,
+                                         {{"BM_MeterRowUpdate_Calm", "BM_StockRowUpdate_Calm"},
+                                          {"BM_MeterRowUpdate_ColourFlips", "BM_StockRowUpdate_ColourFlips"},
+                                          {"BM_PastelBarPaint", "BM_ProgressBarPaint"},
+                                          {"BM_PastelBarPaintDimmed", "BM_ProgressBarPaint"}},
+                                         vantrel::bench::RatioReporter::Clock::Real);
 }
