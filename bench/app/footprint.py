@@ -17,7 +17,6 @@ limits script, a child, is not), as ms per minute after a warm-up; RSS is the re
 import os
 import pathlib
 import shutil
-import subprocess
 import sys
 import tempfile
 import time
