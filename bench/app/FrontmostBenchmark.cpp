@@ -96,7 +96,7 @@ FrontmostWindow terminalWindow()
 void BM_ClassAndProcessName(benchmark::State& state)
 {
     const FrontmostWindow window = terminalWindow();
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         std::ifstream comm("/proc/" + std::to_string(*window.pid) + "/comm");
         std::string name;
         std::getline(comm, name);
@@ -116,7 +116,7 @@ void identifyAndDecide(DesktopEntryNames& names, const FrontmostWindow& window)
 // learn the window classes they claim.
 void BM_IdentifyFirstApplication(benchmark::State& state)
 {
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         DesktopEntryNames names;
         identifyAndDecide(names, terminalWindow());
     }
@@ -128,7 +128,7 @@ void BM_IdentifyNewApplication(benchmark::State& state)
     DesktopEntryNames names;
     FrontmostWindow window = terminalWindow();
     int application = 0;
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         window.appId = "Vantrel-Bench-" + std::to_string(++application);
         identifyAndDecide(names, window);
     }
@@ -139,7 +139,7 @@ void BM_IdentifyKnownApplication(benchmark::State& state)
 {
     DesktopEntryNames names;
     const FrontmostWindow window = terminalWindow();
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         identifyAndDecide(names, window);
     }
 }
@@ -149,7 +149,7 @@ void BM_TerminalAtATick(benchmark::State& state)
 {
     ProcfsProcessTable processes;
     const pid_t pid = terminal().pid();
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         benchmark::DoNotOptimize(inspectProcessTree(pid, processes));
     }
 }

@@ -73,7 +73,7 @@ template <double (*reading)(int)> void BM_MeterRowUpdate(benchmark::State& state
     MeterRow row(QStringLiteral("CPU"), false);
     row.resize(barWidth, row.sizeHint().height());
     int tick = 0;
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         row.update(reading(tick++), std::nullopt);
     }
 }
@@ -82,7 +82,7 @@ template <double (*reading)(int)> void BM_StockRowUpdate(benchmark::State& state
 {
     StockRow row;
     int tick = 0;
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         row.show(reading(tick++));
     }
 }
@@ -91,7 +91,7 @@ template <typename Bar> void paintBar(benchmark::State& state, Bar& bar)
 {
     bar.resize(barWidth, 6);
     QImage image(bar.size(), QImage::Format_ARGB32_Premultiplied);
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         image.fill(Qt::transparent);
         bar.render(&image, QPoint(), QRegion(), QWidget::DrawChildren);
         benchmark::DoNotOptimize(image.constBits());
