@@ -66,7 +66,9 @@ public:
     void trayHostsChanged();
     void showPanelMenu(const QPoint& position);
     void toggleFromMenu();
-    void toggleEverywhere(QAction* sender);
+    void toggleEverywhere();
+    // The pin, the menu's check mark that shows it, and the panel's visibility under it.
+    void pinEverywhere(bool pinned);
 
     // Pinned by Vantrel itself while nothing tells the window in front.
     void followReach();

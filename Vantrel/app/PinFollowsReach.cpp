@@ -1,8 +1,6 @@
 #include "Vantrel/app/AppDelegate.h"
 #include "Vantrel/app/Desktop.h"
 
-#include <QAction>
-
 namespace vantrel {
 
 void AppDelegate::followReach()
@@ -13,11 +11,7 @@ void AppDelegate::followReach()
         services_.notice(line);
     }
     if (step.pinned) {
-        pinnedEverywhere = *step.pinned;
-        if (everywhereEntry != nullptr) {
-            everywhereEntry->setChecked(pinnedEverywhere);
-        }
-        focusChanged();
+        pinEverywhere(*step.pinned);
     }
 }
 

@@ -20,7 +20,7 @@ void AppDelegate::createMenuEntries()
     connect(refreshEntry, &QAction::triggered, this, &AppDelegate::refresh);
     QAction* everywhere = entry("Zobrazovat i nad jinými aplikacemi");
     everywhere->setCheckable(true);
-    connect(everywhere, &QAction::triggered, this, [this, everywhere] { toggleEverywhere(everywhere); });
+    connect(everywhere, &QAction::triggered, this, &AppDelegate::toggleEverywhere);
     everywhereEntry = everywhere;
     auto* separator = new QAction(this);
     separator->setSeparator(true);
@@ -73,11 +73,16 @@ void AppDelegate::toggleFromMenu()
     orderFrontRegardless();
 }
 
-void AppDelegate::toggleEverywhere(QAction* sender)
+void AppDelegate::toggleEverywhere()
 {
     automaticPin_.userChose();
-    pinnedEverywhere = !pinnedEverywhere;
-    sender->setChecked(pinnedEverywhere);
+    pinEverywhere(!pinnedEverywhere);
+}
+
+void AppDelegate::pinEverywhere(bool pinned)
+{
+    pinnedEverywhere = pinned;
+    everywhereEntry->setChecked(pinned);
     focusChanged();
 }
 
