@@ -1,9 +1,8 @@
 #include "Vantrel/app/linux/StatusNotifierHost.h"
 
+#include "Vantrel/app/linux/SessionBusCalls.h"
+
 #include <QDBusMessage>
-#include <QDBusPendingCallWatcher>
-#include <QDBusPendingReply>
-#include <QDBusVariant>
 
 #include <utility>
 
@@ -32,27 +31,22 @@ StatusNotifierHost::StatusNotifierHost(QDBusConnection bus, QObject* parent)
 
 void StatusNotifierHost::read()
 {
-    QDBusMessage get = QDBusMessage::createMethodCall(watcherService, watcherPath,
-                                                      QStringLiteral("org.freedesktop.DBus.Properties"),
-                                                      QStringLiteral("Get"));
-    get << watcherInterface << QStringLiteral("IsStatusNotifierHostRegistered");
+    QDBusMessage get = propertyRequest(watcherService, watcherPath, watcherInterface,
+                                       QStringLiteral("IsStatusNotifierHostRegistered"));
     // Asking must not start a watcher that is not running.
     get.setAutoStartService(false);
     const unsigned generation = ++generation_;
-    auto* call = new QDBusPendingCallWatcher(bus_.asyncCall(get, answerTimeoutMs), this);
-    connect(call, &QDBusPendingCallWatcher::finished, this,
-            [this, generation](QDBusPendingCallWatcher* finished) { answered(finished, generation); });
+    whenAnswered(this, bus_.asyncCall(get, answerTimeoutMs),
+                 [this, generation](const QDBusMessage& answer) { answered(answer, generation); });
 }
 
-void StatusNotifierHost::answered(QDBusPendingCallWatcher* call, unsigned generation)
+void StatusNotifierHost::answered(const QDBusMessage& answer, unsigned generation)
 {
-    call->deleteLater();
     if (generation != generation_) {
         return;
     }
     // No watcher, an error or an answer of another type: no host.
-    const QDBusPendingReply<QDBusVariant> reply = *call;
-    const QVariant value = reply.isValid() ? reply.value().variant() : QVariant();
+    const QVariant value = propertyValue(answer);
     const bool registered = value.typeId() == QMetaType::Bool && value.toBool();
     if (known_ && registered == registered_) {
         return;

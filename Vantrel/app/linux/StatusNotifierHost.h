@@ -4,7 +4,7 @@
 #include <QDBusServiceWatcher>
 #include <QObject>
 
-class QDBusPendingCallWatcher;
+class QDBusMessage;
 
 namespace vantrel {
 
@@ -27,7 +27,7 @@ signals:
 
 private:
     Q_SLOT void read();
-    void answered(QDBusPendingCallWatcher* call, unsigned generation);
+    void answered(const QDBusMessage& answer, unsigned generation);
 
     QDBusConnection bus_;
     QDBusServiceWatcher watcher_;

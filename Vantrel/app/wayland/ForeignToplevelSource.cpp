@@ -16,14 +16,6 @@ ToplevelTracker::Handle handleOf(zwlr_foreign_toplevel_handle_v1* handle)
     return reinterpret_cast<ToplevelTracker::Handle>(handle);
 }
 
-void ignoreText(void* /*data*/, zwlr_foreign_toplevel_handle_v1* /*handle*/, const char* /*text*/)
-{}
-void ignoreOutput(void* /*data*/, zwlr_foreign_toplevel_handle_v1* /*handle*/, wl_output* /*output*/)
-{}
-void ignoreParent(void* /*data*/, zwlr_foreign_toplevel_handle_v1* /*handle*/,
-                  zwlr_foreign_toplevel_handle_v1* /*parent*/)
-{}
-
 } // namespace
 
 std::unique_ptr<ForeignToplevelSource> ForeignToplevelSource::create(WaylandConnection& connection)
@@ -67,28 +59,18 @@ std::optional<FrontmostWindow> ForeignToplevelSource::frontmost() const
 
 void ForeignToplevelSource::connectionLost()
 {
-    report(tracker_.clear());
+    announceIf(tracker_.clear());
     emit lost();
-}
-
-void ForeignToplevelSource::report(bool changed)
-{
-    if (changed) {
-        emit frontmostChanged();
-    }
 }
 
 void ForeignToplevelSource::toplevel(void* data, zwlr_foreign_toplevel_manager_v1* /*manager*/,
                                      zwlr_foreign_toplevel_handle_v1* handle)
 {
-    static const zwlr_foreign_toplevel_handle_v1_listener listener{&ignoreText,
-                                                                   &ForeignToplevelSource::appId,
-                                                                   &ignoreOutput,
-                                                                   &ignoreOutput,
-                                                                   &ForeignToplevelSource::state,
-                                                                   &ForeignToplevelSource::done,
-                                                                   &ForeignToplevelSource::closed,
-                                                                   &ignoreParent};
+    using Handle = zwlr_foreign_toplevel_handle_v1;
+    static const zwlr_foreign_toplevel_handle_v1_listener listener{
+        &ignore<Handle, const char*>,   &ForeignToplevelSource::appId, &ignore<Handle, wl_output*>,
+        &ignore<Handle, wl_output*>,    &ForeignToplevelSource::state, &ForeignToplevelSource::done,
+        &ForeignToplevelSource::closed, &ignore<Handle, Handle*>};
     static_cast<ForeignToplevelSource*>(data)->tracker_.created(handleOf(handle));
     zwlr_foreign_toplevel_handle_v1_add_listener(handle, &listener, data);
 }
@@ -98,7 +80,7 @@ void ForeignToplevelSource::finished(void* data, zwlr_foreign_toplevel_manager_v
     auto* source = static_cast<ForeignToplevelSource*>(data);
     zwlr_foreign_toplevel_manager_v1_destroy(manager);
     source->manager_ = nullptr;
-    source->report(source->tracker_.clear());
+    source->announceIf(source->tracker_.clear());
 }
 
 void ForeignToplevelSource::appId(void* data, zwlr_foreign_toplevel_handle_v1* handle, const char* appId)
@@ -116,7 +98,7 @@ void ForeignToplevelSource::state(void* data, zwlr_foreign_toplevel_handle_v1* h
 void ForeignToplevelSource::done(void* data, zwlr_foreign_toplevel_handle_v1* handle)
 {
     auto* source = static_cast<ForeignToplevelSource*>(data);
-    source->report(source->tracker_.done(handleOf(handle)));
+    source->announceIf(source->tracker_.done(handleOf(handle)));
 }
 
 void ForeignToplevelSource::closed(void* data, zwlr_foreign_toplevel_handle_v1* handle)
@@ -124,7 +106,7 @@ void ForeignToplevelSource::closed(void* data, zwlr_foreign_toplevel_handle_v1* 
     auto* source = static_cast<ForeignToplevelSource*>(data);
     const bool changed = source->tracker_.closed(handleOf(handle));
     zwlr_foreign_toplevel_handle_v1_destroy(handle);
-    source->report(changed);
+    source->announceIf(changed);
 }
 
 } // namespace vantrel

@@ -30,7 +30,6 @@ public:
 private:
     explicit ForeignToplevelSource(zwlr_foreign_toplevel_manager_v1* manager);
     void connectionLost();
-    void report(bool changed);
 
     static void toplevel(void* data, zwlr_foreign_toplevel_manager_v1* manager,
                          zwlr_foreign_toplevel_handle_v1* handle);

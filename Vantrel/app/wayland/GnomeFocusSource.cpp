@@ -1,9 +1,9 @@
 #include "Vantrel/app/wayland/GnomeFocusSource.h"
 
+#include "Vantrel/app/linux/SessionBusCalls.h"
+
 #include <QDBusArgument>
 #include <QDBusMessage>
-#include <QDBusPendingCallWatcher>
-#include <QDBusVariant>
 #include <QVariantMap>
 
 namespace vantrel {
@@ -66,16 +66,12 @@ GnomeFocusSource::GnomeFocusSource(const QDBusConnection& bus)
 
 void GnomeFocusSource::askForShellVersion()
 {
-    auto call = QDBusMessage::createMethodCall(
-        QStringLiteral("org.gnome.Shell"), QStringLiteral("/org/gnome/Shell"),
-        QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("Get"));
-    call << QStringLiteral("org.gnome.Shell") << QStringLiteral("ShellVersion");
-    whenAnswered(bus_.asyncCall(call, answerTimeoutMs), [this](const QDBusMessage& reply) {
-        if (reply.type() == QDBusMessage::ReplyMessage && reply.signature() == QLatin1String("v")) {
-            const QVariant version = qdbus_cast<QDBusVariant>(reply.arguments().constFirst()).variant();
-            if (version.metaType().id() == QMetaType::QString) {
-                shellVersion_ = version.toString().toStdString();
-            }
+    const QString shell = QStringLiteral("org.gnome.Shell");
+    const auto call =
+        propertyRequest(shell, QStringLiteral("/org/gnome/Shell"), shell, QStringLiteral("ShellVersion"));
+    whenAnswered(this, bus_.asyncCall(call, answerTimeoutMs), [this](const QDBusMessage& reply) {
+        if (const QVariant version = propertyValue(reply); version.metaType().id() == QMetaType::QString) {
+            shellVersion_ = version.toString().toStdString();
         }
         followExtension();
     });
@@ -97,7 +93,7 @@ void GnomeFocusSource::askForFocusedWindow()
     const std::uint64_t question = ++question_;
     const auto call = QDBusMessage::createMethodCall(focusBusName, focusObjectPath, focusInterface,
                                                      QStringLiteral("GetFocusedWindow"));
-    whenAnswered(bus_.asyncCall(call, answerTimeoutMs), [this, question](const QDBusMessage& reply) {
+    whenAnswered(this, bus_.asyncCall(call, answerTimeoutMs), [this, question](const QDBusMessage& reply) {
         if (question == question_) {
             apply(gnome::readFocusMessage(focusMessage(reply)));
         }
@@ -112,17 +108,6 @@ void GnomeFocusSource::ownerChanged(const QString& owner)
     } else {
         askForFocusedWindow();
     }
-}
-
-void GnomeFocusSource::whenAnswered(const QDBusPendingCall& call,
-                                    std::function<void(const QDBusMessage&)> handle)
-{
-    auto* watcher = new QDBusPendingCallWatcher(call, this);
-    connect(watcher, &QDBusPendingCallWatcher::finished, this,
-            [handle = std::move(handle)](QDBusPendingCallWatcher* finished) {
-                finished->deleteLater();
-                handle(finished->reply());
-            });
 }
 
 void GnomeFocusSource::focusedWindowChanged(const QDBusMessage& message)

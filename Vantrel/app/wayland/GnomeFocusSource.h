@@ -7,12 +7,10 @@
 #include <QDBusServiceWatcher>
 
 #include <cstdint>
-#include <functional>
 #include <memory>
 #include <string>
 
 class QDBusMessage;
-class QDBusPendingCall;
 
 namespace vantrel {
 
@@ -39,7 +37,6 @@ private:
     void followExtension();
     void askForFocusedWindow();
     void ownerChanged(const QString& owner);
-    void whenAnswered(const QDBusPendingCall& call, std::function<void(const QDBusMessage&)> handle);
     void apply(gnome::FocusAnswer answer);
 
     QDBusConnection bus_;

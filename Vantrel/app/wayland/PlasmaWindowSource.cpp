@@ -26,10 +26,6 @@ void release(org_kde_plasma_window* window)
     }
 }
 
-template <typename Proxy, typename... Arguments>
-void ignore(void* /*data*/, Proxy* /*proxy*/, Arguments... /*values*/)
-{}
-
 } // namespace
 
 std::unique_ptr<PlasmaWindowSource> PlasmaWindowSource::create(WaylandConnection& connection)
@@ -93,23 +89,15 @@ void PlasmaWindowSource::follow(org_kde_plasma_window* window)
 void PlasmaWindowSource::forget(org_kde_plasma_window* window)
 {
     const bool changed = tracker_.unmapped(handleOf(window));
-    if (windows_.erase(window) != 0) {
-        release(window);
-    }
-    report(changed);
+    windows_.erase(window);
+    release(window);
+    announceIf(changed);
 }
 
 void PlasmaWindowSource::connectionLost()
 {
-    report(tracker_.clear());
+    announceIf(tracker_.clear());
     emit lost();
-}
-
-void PlasmaWindowSource::report(bool changed)
-{
-    if (changed) {
-        emit frontmostChanged();
-    }
 }
 
 void PlasmaWindowSource::windowById(void* data, org_kde_plasma_window_management* manager, std::uint32_t id)
@@ -127,31 +115,31 @@ void PlasmaWindowSource::windowByUuid(void* data, org_kde_plasma_window_manageme
 void PlasmaWindowSource::appId(void* data, org_kde_plasma_window* window, const char* appId)
 {
     auto* source = static_cast<PlasmaWindowSource*>(data);
-    source->report(source->tracker_.appIdChanged(handleOf(window), appId));
+    source->announceIf(source->tracker_.appIdChanged(handleOf(window), appId));
 }
 
 void PlasmaWindowSource::resourceName(void* data, org_kde_plasma_window* window, const char* name)
 {
     auto* source = static_cast<PlasmaWindowSource*>(data);
-    source->report(source->tracker_.resourceNameChanged(handleOf(window), name));
+    source->announceIf(source->tracker_.resourceNameChanged(handleOf(window), name));
 }
 
 void PlasmaWindowSource::pid(void* data, org_kde_plasma_window* window, std::uint32_t pid)
 {
     auto* source = static_cast<PlasmaWindowSource*>(data);
-    source->report(source->tracker_.pidChanged(handleOf(window), pid));
+    source->announceIf(source->tracker_.pidChanged(handleOf(window), pid));
 }
 
 void PlasmaWindowSource::state(void* data, org_kde_plasma_window* window, std::uint32_t flags)
 {
     auto* source = static_cast<PlasmaWindowSource*>(data);
-    source->report(source->tracker_.stateChanged(handleOf(window), flags));
+    source->announceIf(source->tracker_.stateChanged(handleOf(window), flags));
 }
 
 void PlasmaWindowSource::initialState(void* data, org_kde_plasma_window* window)
 {
     auto* source = static_cast<PlasmaWindowSource*>(data);
-    source->report(source->tracker_.initialStateDone(handleOf(window)));
+    source->announceIf(source->tracker_.initialStateDone(handleOf(window)));
 }
 
 void PlasmaWindowSource::unmapped(void* data, org_kde_plasma_window* window)

@@ -33,7 +33,6 @@ private:
     void follow(org_kde_plasma_window* window);
     void forget(org_kde_plasma_window* window);
     void connectionLost();
-    void report(bool changed);
 
     static void windowById(void* data, org_kde_plasma_window_management* manager, std::uint32_t id);
     static void windowByUuid(void* data, org_kde_plasma_window_management* manager, std::uint32_t id,

@@ -28,6 +28,15 @@ signals:
     void reachChanged();
     // The connection behind the source is gone for good.
     void lost();
+
+protected:
+    // After an event that may have changed the window in front.
+    void announceIf(bool frontmostChangedNow)
+    {
+        if (frontmostChangedNow) {
+            emit frontmostChanged();
+        }
+    }
 };
 
 } // namespace vantrel

@@ -14,6 +14,11 @@ struct wl_registry;
 
 namespace vantrel {
 
+// A listener's handler for an event that is of no interest.
+template <typename Proxy, typename... Arguments>
+void ignore(void* /*data*/, Proxy* /*proxy*/, Arguments... /*values*/)
+{}
+
 // Vantrel's own connection to the Wayland compositor, beside Qt's X11 one: its socket is watched by the
 // Qt event loop, which dispatches the events as they arrive.
 class WaylandConnection : public QObject {
