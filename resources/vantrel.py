@@ -455,6 +455,14 @@ class Channel:
         self.request(1, "initialize", {"clientInfo": CLIENT_INFO})
         self.send({"method": "initialized"})
 
+    def read_limits(self):
+        """The `account/rateLimits/read` result after the handshake; the channel is ended after it."""
+        try:
+            self.handshake()
+            return self.request(2, *RATE_LIMITS_READ)
+        finally:
+            self.end()
+
     def read_chunk(self, descriptor):
         import select
 
@@ -604,10 +612,10 @@ class WebSocketChannel(Channel):
         headers = {name.strip().lower(): value.strip() for name, _, value in (line.partition(b":")
                                                                               for line in lines[1:])}
         if lines[0].split(b" ")[1:2] != [b"101"] or headers.get(b"sec-websocket-accept") != accept:
-            self.close()
+            self.end()
             raise Unavailable("the Codex daemon refused the connection")
 
-    def close(self):
+    def end(self):
         self.socket.close()
 
     def send(self, message):
@@ -625,8 +633,7 @@ class WebSocketChannel(Channel):
         else:
             header = struct.pack("!BBQ", 0x80 | opcode, 0x80 | 127, size)
         mask = os.urandom(4)
-        masked = bytes(byte ^ mask[index & 3] for index, byte in enumerate(payload))
-        self.write_all(self.socket.fileno(), header + mask + masked)
+        self.write_all(self.socket.fileno(), header + mask + masked(payload, mask))
 
     def receive(self):
         """The next JSON object sent as text, pieced together from its fragments; pings are answered."""
@@ -662,7 +669,7 @@ class WebSocketChannel(Channel):
         mask = self.take(4) if head[1] & 0x80 else None
         payload = self.take(size)
         if mask is not None:
-            payload = bytes(byte ^ mask[index & 3] for index, byte in enumerate(payload))
+            payload = masked(payload, mask)
         return bool(head[0] & 0x80), head[0] & 0x0F, payload
 
     def take(self, count):
@@ -672,35 +679,30 @@ class WebSocketChannel(Channel):
         return data
 
 
+def masked(payload, mask):
+    """The payload masked, or unmasked, with a frame's four-byte key (RFC 6455, 5.3)."""
+    return bytes(byte ^ mask[index & 3] for index, byte in enumerate(payload))
+
+
 def read_one_shot(command, deadline, environment=None):
     """The `account/rateLimits/read` result of a server started for this read alone."""
-    server = AppServer(command, deadline, environment)
-    try:
-        server.handshake()
-        return server.request(2, *RATE_LIMITS_READ)
-    finally:
-        server.end()
-
-
-def read_from_daemon(path, deadline):
-    """The result from a running Codex daemon: it costs this run one round trip and no server start."""
-    daemon = WebSocketChannel(path, deadline)
-    try:
-        daemon.handshake()
-        return daemon.request(2, *RATE_LIMITS_READ)
-    finally:
-        daemon.close()
+    return AppServer(command, deadline, environment).read_limits()
 
 
 def live_document(home):
-    """The document as an app server reads it now: a running daemon's, the kept one, or a new one."""
+    """The document as an app server reads it now."""
+    return document_from_reply(live_result(home), round(time.time(), 3))
+
+
+def live_result(home):
+    """The result from a running daemon (one round trip, no server start), the kept server, or a new one."""
     deadline = time.monotonic() + LIVE_TIME_LIMIT - ENDING_TIME
     failures = []
     daemon = os.path.join(home, "app-server-control", "app-server-control.sock")
     # The daemon runs with the user's configuration, which overrides given here cannot change.
     if not os.environ.get("VANTREL_CODEX_CONFIG") and os.path.exists(daemon):
         try:
-            return document_from_reply(read_from_daemon(daemon, deadline), round(time.time(), 3))
+            return WebSocketChannel(daemon, deadline).read_limits()
         except Refused:
             raise
         except Unavailable as error:
@@ -712,12 +714,12 @@ def live_document(home):
     keeper = keeper_socket(command, home)
     if keeper is not None:
         try:
-            return document_from_reply(read_kept(keeper, command, environment, deadline), round(time.time(), 3))
+            return read_kept(keeper, command, environment, deadline)
         except Refused:
             raise
         except Unavailable:
             pass  # the keeper is gone or broken: this run starts a server of its own
-    return document_from_reply(read_one_shot(command, deadline, environment), round(time.time(), 3))
+    return read_one_shot(command, deadline, environment)
 
 
 def keeper_socket(command, home):

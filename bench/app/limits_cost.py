@@ -39,11 +39,13 @@ HERE = pathlib.Path(__file__).resolve().parent
 ROOT = HERE.parents[1]
 sys.path.insert(0, str(ROOT / "tests" / "app" / "desktop"))
 sys.path.insert(0, str(ROOT / "tests" / "resources"))
+sys.path.insert(0, str(ROOT / "tools" / "soak"))
 
 from codex_cli_test import bring_loopback_up, isolating_prefix  # noqa: E402
 from codex_harness import MockBackend, installed_codex, write_auth  # noqa: E402
 from footprint import conky_config, rss_megabytes, thread_cpu_seconds  # noqa: E402
-from script_support import SESSION_LIMITS, rfc3339, running, token_count_line, wait_until  # noqa: E402
+from processes import descendants, parents  # noqa: E402
+from script_support import SESSION_LIMITS, load_script, rfc3339, running, token_count_line, wait_until  # noqa: E402
 from vantrel_desktop import Desktop, become_subreaper, die_with_parent, install_into_prefix  # noqa: E402
 
 REFERENCE = "9d67d5e"
@@ -79,22 +81,10 @@ def observed_at(record):
         return None
 
 
-def process_tree(roots):
-    """The given processes and all their descendants, from /proc."""
-    parents = {}
-    for name in os.listdir("/proc"):
-        if name.isdigit():
-            try:
-                with open(f"/proc/{name}/stat", encoding="ascii", errors="replace") as stream:
-                    parents[int(name)] = int(stream.read().rpartition(")")[2].split()[1])
-            except (OSError, ValueError, IndexError):
-                continue
-    tree, frontier = set(), [pid for pid in roots if pid in parents]
-    while frontier:
-        pid = frontier.pop()
-        tree.add(pid)
-        frontier.extend(child for child, parent in parents.items() if parent == pid and child not in tree)
-    return tree
+def process_tree(roots, table=None):
+    """The given processes and all their descendants, from /proc (or from a table of parents read once)."""
+    table = parents() if table is None else table
+    return {pid for root in roots if root in table for pid in (root, *descendants(root, table))}
 
 
 def reaped_children_seconds(pid):
@@ -130,7 +120,7 @@ class TreeClock:
         return sum(self.threads.values()) + sum(self.children.values())
 
 
-def kept_processes(runtime):
+def kept_processes(runtime, table=None):
     """The keepers (their pids are in their lock files) under a private runtime directory, and their
     servers."""
     keepers = []
@@ -139,7 +129,7 @@ def kept_processes(runtime):
             keepers.append(int(lock.read_text().strip()))
         except (OSError, ValueError):
             continue
-    return process_tree(keepers)
+    return process_tree(keepers, table)
 
 
 class Bench:
@@ -184,11 +174,10 @@ class Bench:
         for runtime in self.keeper_runtimes:
             kept = kept_processes(runtime)
             for pid in kept:
-                if pathlib.Path(runtime, "vantrel").exists():
-                    try:
-                        os.kill(pid, signal.SIGTERM)
-                    except ProcessLookupError:
-                        pass
+                try:
+                    os.kill(pid, signal.SIGTERM)
+                except ProcessLookupError:
+                    pass
             for pid in kept:
                 wait_until(lambda pid=pid: not running(pid), "a keeper to end", timeout=20)
         reap_orphans()
@@ -225,8 +214,7 @@ class Bench:
             time.sleep(0.5)  # what the server does once it has answered belongs to the read
             clock.look(servers)
         record = tap_records(log)[0]
-        script = way.script
-        if script is not None and record["status"] != 0:
+        if way.script is not None and record["status"] != 0:
             raise RuntimeError(f"a read failed: {record}")
         return (record["cpuMs"] + (clock.total() - before) * 1000, (record["end"] - record["start"]) * 1000,
                 record["peakRssKb"] / 1024)
@@ -281,8 +269,7 @@ class Bench:
         control = pathlib.Path(environment["CODEX_HOME"], "app-server-control", "app-server-control.sock")
         control.parent.mkdir()
         overrides = [arg for item in self.backend.config_overrides().splitlines() for arg in ("-c", item)]
-        binary = pathlib.Path(os.path.realpath(self.codex)).parents[2] / "codex-linux-x64" / "vendor" / \
-            "x86_64-unknown-linux-musl" / "bin" / "codex"
+        binary, _ = load_script().native_binary(self.codex)
         daemon = subprocess.Popen([str(binary), "app-server", "--listen", f"unix://{control}", *overrides],
                                   env=environment, stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
                                   stderr=subprocess.DEVNULL, preexec_fn=die_with_parent)
@@ -386,14 +373,14 @@ class Bench:
         conky_start = conky_clock.total()
         started_at = time.time()
         end = time.monotonic() + seconds
-        held = {name: 0.0 for name in apps}
         while time.monotonic() < end:
             time.sleep(0.05)
             conky_clock.look([conky])
+            table = parents()
             for name, app in apps.items():
                 own, kept = clocks[name]
                 own.look([app["process"].pid])
-                pids = kept_processes(app["runtime"])
+                pids = kept_processes(app["runtime"], table)
                 app["kept"] |= pids
                 kept.look(pids)
         ended_at = time.time()
@@ -401,18 +388,18 @@ class Bench:
         results = {"conky": (conky_clock.total() - conky_start) * 1000 * per_minute}
         for name, app in apps.items():
             own, kept = clocks[name]
-            held[name] = sum(rss_megabytes(pid) for pid in kept_processes(app["runtime"]) if running(pid))
+            held = sum(rss_megabytes(pid) for pid in kept_processes(app["runtime"]) if running(pid))
             reads = [record for record in tap_records(app["log"]) if started_at < record["end"] <= ended_at]
             own_ms = (own.total() - start_totals[name][0]) * 1000 * per_minute
             kept_ms = (kept.total() - start_totals[name][1]) * 1000 * per_minute
             reads_ms = sum(record["cpuMs"] for record in reads) * per_minute
-            ages = [record["end"] - observed_at(record) for record in reads if observed_at(record) is not None]
+            ages = [record["end"] - seen for record in reads if (seen := observed_at(record)) is not None]
             results[name] = {
                 "own": own_ms, "runs": reads_ms, "kept": kept_ms, "limits": reads_ms + kept_ms,
                 "tree": own_ms + reads_ms + kept_ms,
                 "reads": len(reads), "failed": sum(record["status"] != 0 for record in reads),
                 "wall": [(record["end"] - record["start"]) * 1000 for record in reads],
-                "peak": [record["peakRssKb"] / 1024 for record in reads], "held": held[name],
+                "peak": [record["peakRssKb"] / 1024 for record in reads], "held": held,
                 "ages": ages,
             }
         return results
@@ -473,7 +460,8 @@ def print_scenarios(results):
     conky = [r["conky"] for kind in results for r in results[kind]]
     print(f"conky showing the same figures every 2 s: {median_range(conky, 1)} ms/min")
     for kind in ("active", "idle"):
-        ratios = [r["new"]["limits"] / r["reference"]["limits"] for r in results[kind]]
+        # A run too short for any read of the reference has no ratio.
+        ratios = [r["new"]["limits"] / r["reference"]["limits"] for r in results[kind] if r["reference"]["limits"]]
         runs = [r["new"]["runs"] for r in results[kind]]
         kept = [r["new"]["kept"] for r in results[kind]]
         print(f"{kind}: the limits' own CPU, new vs reference: {median_range(ratios, 3)}x; new: script runs "
