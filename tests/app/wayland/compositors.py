@@ -16,6 +16,7 @@ import os
 import pathlib
 import signal
 import subprocess
+import time
 
 from gi.repository import Gio, GLib
 
@@ -24,6 +25,8 @@ from vantrel_desktop import Session, XReading, companion_command, die_with_paren
 # Where the panel sits: its width, and its distance from the screen's right and bottom edges.
 PANEL_WIDTH = 292
 MARGIN = 16
+# No channel of the panel's dark backdrop reaches this; the test windows' blue does.
+PANEL_BACKDROP_CEILING = 60
 LOST = "vantrel: the compositor no longer tells which window is in front; the panel shows only when pinned"
 
 
@@ -190,3 +193,15 @@ def pixel(png, x, y):
                           capture_output=True, text=True, check=True, timeout=20).stdout
     values = text.splitlines()[-1].split("(", 1)[1].split(")", 1)[0].split(",")
     return tuple(int(float(v)) for v in values[:3])
+
+
+def panel_backdrop_pixel(desktop, png, x, y, timeout=10):
+    """The (red, green, blue) on the screen at x, y, once it is the panel's dark backdrop or the time is up:
+    a newly mapped panel's first frame comes when the compositor gets to it, later on a busy machine."""
+    deadline = time.monotonic() + timeout
+    while True:
+        desktop.screenshot(png)
+        colour = pixel(png, x, y)
+        if max(colour) < PANEL_BACKDROP_CEILING or time.monotonic() > deadline:
+            return colour
+        time.sleep(0.2)

@@ -11,7 +11,7 @@ import subprocess
 import time
 
 import accessibility as a11y
-from compositors import LOST, MARGIN, PANEL_WIDTH, pixel
+from compositors import LOST, MARGIN, PANEL_WIDTH, panel_backdrop_pixel
 from desktop_case import COMPANION, MENU_ENTRIES, NO_TRAY_HOST, TRAY_HOST_ARRIVED, DesktopTestCase, main
 from panel_scenarios import PanelScenarios
 from socket_proxy import SocketProxy
@@ -150,10 +150,8 @@ class OnSway(PanelScenarios, DesktopTestCase):
             self.wait_until_shown(True, "over the floating ChatGPT")
             x, y, _, height = self.desktop.geometry(self.paths["sway IPC"].panel_window())
             shot = pathlib.Path(self.desktop.runtime.name) / "floating.png"
-            time.sleep(0.5)  # the first frame of a newly mapped panel
-            self.desktop.screenshot(shot)
             # The panel's dark backdrop where the window's blue would otherwise be.
-            red, green, blue = pixel(shot, x + 8, y + height // 2)
+            red, green, blue = panel_backdrop_pixel(self.desktop, shot, x + 8, y + height // 2)
             self.assertLess(max(red, green, blue), 60, (red, green, blue))
         finally:
             self.desktop.swaymsg(f"[pid={self.chatgpt.pid}] floating disable")
